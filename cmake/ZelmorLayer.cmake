@@ -1,0 +1,20 @@
+# One static library per source folder; the sources are the folder's .cpp files
+# (minus those given in EXCLUDE), so adding a class needs no CMake edit.
+function(zelmor_add_layer target)
+    cmake_parse_arguments(ARG "" "" "EXCLUDE;LIBS" ${ARGN})
+    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+    file(GLOB headers CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.h)
+    foreach(ex IN LISTS ARG_EXCLUDE)
+        list(REMOVE_ITEM sources ${CMAKE_CURRENT_SOURCE_DIR}/${ex})
+    endforeach()
+    if(NOT sources)
+        # a layer that has no classes yet still links
+        add_library(${target} INTERFACE)
+        target_include_directories(${target} INTERFACE ${CMAKE_SOURCE_DIR}/src)
+        target_link_libraries(${target} INTERFACE ${ARG_LIBS})
+        return()
+    endif()
+    add_library(${target} STATIC ${sources} ${headers})
+    target_include_directories(${target} PUBLIC ${CMAKE_SOURCE_DIR}/src)
+    target_link_libraries(${target} PUBLIC ${ARG_LIBS})
+endfunction()
