@@ -1,0 +1,14 @@
+#include "Tools/Simulation/SimulationValueFloat.h"
+
+namespace zelmor {
+namespace simulation {
+
+template class SimulationValueFloatBase<float>;
+
+SimulationValueFloat::SimulationValueFloat(float current, float set, float timeConstant, int setAddress, int currentAddress)
+    : SimulationValueFloatBase<float>(current, set, timeConstant, setAddress, currentAddress)
+{
+}
+
+} // namespace simulation
+} // namespace zelmor

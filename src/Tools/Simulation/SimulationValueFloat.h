@@ -1,0 +1,19 @@
+#pragma once
+
+#include "Tools/Simulation/SimulationValueFloatBase.h"
+
+namespace zelmor {
+namespace simulation {
+
+extern template class SimulationValueFloatBase<float>;
+
+/// A single-precision value, the kind of every analogue process value and set
+/// point.
+class SimulationValueFloat : public SimulationValueFloatBase<float>
+{
+public:
+    SimulationValueFloat(float current, float set, float timeConstant, int setAddress, int currentAddress);
+};
+
+} // namespace simulation
+} // namespace zelmor

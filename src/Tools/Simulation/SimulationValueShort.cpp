@@ -1,0 +1,14 @@
+#include "Tools/Simulation/SimulationValueShort.h"
+
+namespace zelmor {
+namespace simulation {
+
+template class SimulationValueBase<short>;
+
+SimulationValueShort::SimulationValueShort(short current, short set, float timeConstant, int setAddress, int currentAddress)
+    : SimulationValueBase<short>(current, set, timeConstant, setAddress, currentAddress)
+{
+}
+
+} // namespace simulation
+} // namespace zelmor

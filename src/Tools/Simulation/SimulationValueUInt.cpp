@@ -1,0 +1,14 @@
+#include "Tools/Simulation/SimulationValueUInt.h"
+
+namespace zelmor {
+namespace simulation {
+
+template class SimulationValueBase<unsigned int>;
+
+SimulationValueUInt::SimulationValueUInt(unsigned int current, unsigned int set, float timeConstant, int setAddress, int currentAddress)
+    : SimulationValueBase<unsigned int>(current, set, timeConstant, setAddress, currentAddress)
+{
+}
+
+} // namespace simulation
+} // namespace zelmor

@@ -1,0 +1,14 @@
+#include "Tools/Simulation/SimulationValueUShort.h"
+
+namespace zelmor {
+namespace simulation {
+
+template class SimulationValueBase<unsigned short>;
+
+SimulationValueUShort::SimulationValueUShort(unsigned short current, unsigned short set, float timeConstant, int setAddress, int currentAddress)
+    : SimulationValueBase<unsigned short>(current, set, timeConstant, setAddress, currentAddress)
+{
+}
+
+} // namespace simulation
+} // namespace zelmor
