@@ -1,0 +1,20 @@
+#include "Tools/Simulation/Pl3ProgramOption.h"
+
+namespace zelmor {
+namespace simulation {
+
+QVariant Pl3ProgramOption::read(int address)
+{
+    Q_UNUSED(address)
+    return QVariant();
+}
+
+bool Pl3ProgramOption::write(int address, QVariant value)
+{
+    Q_UNUSED(address)
+    Q_UNUSED(value)
+    return false;
+}
+
+} // namespace simulation
+} // namespace zelmor
