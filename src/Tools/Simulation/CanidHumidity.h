@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Tools/Simulation/SimulationValueFloat.h"
+
+namespace zelmor {
+namespace simulation {
+
+/// Humidity of a TLX chamber on its CAN-style addresses.
+class CanidHumidity : public SimulationValueFloat
+{
+public:
+    CanidHumidity();
+};
+
+} // namespace simulation
+} // namespace zelmor

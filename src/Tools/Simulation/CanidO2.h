@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Tools/Simulation/SimulationValueFloat.h"
+
+namespace zelmor {
+namespace simulation {
+
+/// Oxygen of a TLX chamber on its CAN-style addresses.
+class CanidO2 : public SimulationValueFloat
+{
+public:
+    CanidO2();
+};
+
+} // namespace simulation
+} // namespace zelmor

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Tools/Simulation/SimulationValueFloat.h"
+
+namespace zelmor {
+namespace simulation {
+
+/// Temperature of a TLX chamber on its CAN-style addresses.
+class CanidTemperature : public SimulationValueFloat
+{
+public:
+    CanidTemperature();
+};
+
+} // namespace simulation
+} // namespace zelmor

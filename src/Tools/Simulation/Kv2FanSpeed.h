@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Tools/Simulation/SimulationValueFloat.h"
+
+namespace zelmor {
+namespace simulation {
+
+/// Fan speed of a KV2 controller: set point and process value, no mirror.
+class Kv2FanSpeed : public SimulationValueFloat
+{
+public:
+    Kv2FanSpeed();
+};
+
+} // namespace simulation
+} // namespace zelmor

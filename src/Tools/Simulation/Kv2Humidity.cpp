@@ -1,0 +1,25 @@
+#include "Tools/Simulation/Kv2Humidity.h"
+
+#include "Tools/Simulation/SimulationValueDuplicator.h"
+#include "Tools/Simulation/SimulationValueFloat.h"
+
+namespace zelmor {
+namespace simulation {
+
+namespace {
+
+const int setAddress_ = 4430;
+const int currentAddress_ = 4106;
+const int mirrorAddress_ = 4276;
+
+} // namespace
+
+Kv2Humidity::Kv2Humidity()
+{
+    auto const value = QSharedPointer<SimulationValueFloat>::create(50.0f, 60.0f, 600.0f, setAddress_, currentAddress_);
+    add(value);
+    add(QSharedPointer<SimulationValueDuplicator>::create(value, mirrorAddress_, setAddress_));
+}
+
+} // namespace simulation
+} // namespace zelmor
