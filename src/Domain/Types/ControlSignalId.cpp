@@ -1,0 +1,45 @@
+#include "Domain/Types/ControlSignalId.h"
+
+namespace zelmor {
+namespace domain {
+namespace types {
+
+ControlSignalId::ControlSignalId(int id)
+    : id(id)
+{
+}
+
+ControlSignalId& ControlSignalId::operator=(int other)
+{
+    id = other;
+    return *this;
+}
+
+bool ControlSignalId::operator==(const ControlSignalId& other) const
+{
+    return id == other.id;
+}
+
+bool ControlSignalId::operator!=(const ControlSignalId& other) const
+{
+    return id != other.id;
+}
+
+bool ControlSignalId::operator==(int other) const
+{
+    return id == other;
+}
+
+bool ControlSignalId::operator!=(int other) const
+{
+    return id != other;
+}
+
+ControlSignalId::operator int() const
+{
+    return id;
+}
+
+} // namespace types
+} // namespace domain
+} // namespace zelmor

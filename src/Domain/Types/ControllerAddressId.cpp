@@ -1,0 +1,45 @@
+#include "Domain/Types/ControllerAddressId.h"
+
+namespace zelmor {
+namespace domain {
+namespace types {
+
+ControllerAddressId::ControllerAddressId(int id)
+    : id(id)
+{
+}
+
+ControllerAddressId& ControllerAddressId::operator=(int other)
+{
+    id = other;
+    return *this;
+}
+
+bool ControllerAddressId::operator==(const ControllerAddressId& other) const
+{
+    return id == other.id;
+}
+
+bool ControllerAddressId::operator!=(const ControllerAddressId& other) const
+{
+    return id != other.id;
+}
+
+bool ControllerAddressId::operator==(int other) const
+{
+    return id == other;
+}
+
+bool ControllerAddressId::operator!=(int other) const
+{
+    return id != other;
+}
+
+ControllerAddressId::operator int() const
+{
+    return id;
+}
+
+} // namespace types
+} // namespace domain
+} // namespace zelmor

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QObject>
+
+namespace zelmor {
+namespace domain {
+namespace types {
+
+// This header carries the meta-object of the namespace. Any further enumeration
+// that is to be registered with the namespace (Q_ENUM_NS) belongs here, since a
+// namespace can have only one meta-object in the program.
+Q_NAMESPACE
+
+// Lowest level a user must have to see something. Registered, so it travels in a
+// QVariant and converts from the integers of the database through QVariant::convert.
+enum UserLevel {
+    NONE = 0,
+    BASIC = 1,
+    ADVANCED = 2,
+    ADMINISTRATOR = 3,
+    SERVICE = 4,
+    LABORATORY = 5,
+    SUPERUSER = 6
+};
+Q_ENUM_NS(UserLevel)
+
+} // namespace types
+} // namespace domain
+} // namespace zelmor
