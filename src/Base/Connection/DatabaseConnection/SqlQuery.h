@@ -20,7 +20,9 @@ Q_DECLARE_LOGGING_CATEGORY(SQLQUERY)
 class SqlQuery : public zelmor::domain::api::ISqlQuery
 {
 public:
-    enum DataType {
+    // Fixed underlying types: any stored number is a value of the enumeration,
+    // so a stray one reaches the lookup's assertion instead of undefined behaviour.
+    enum DataType : int {
         BOOLEAN = 0,
         INTEGER = 1,
         REAL = 2,
@@ -42,7 +44,7 @@ public:
         AUTO_INCREMENT = 128 // SQLite numbers an INTEGER PRIMARY KEY by itself
     };
 
-    enum Action {
+    enum Action : int {
         NO_ACTION = 0,
         RESTRICT = 1,
         SET_NULL = 2,
@@ -50,12 +52,12 @@ public:
         CASCADE = 4
     };
 
-    enum Order {
+    enum Order : int {
         ASC = 0,
         DESC = 1
     };
 
-    enum CountType {
+    enum CountType : int {
         ALL = 0,
         DISTINCT = 1
     };
