@@ -72,9 +72,6 @@ private slots:
     void controlSignalEqualityIgnoresUserLevel();
     void controlSignalMapOrder();
     void optionNames();
-    void chamberOptionEquality();
-    void controllerAddressEquality_data();
-    void controllerAddressEquality();
     void controllerAddressOrderByTextOnly();
     void ids();
 };
@@ -459,55 +456,6 @@ void TestChamberTypeData::optionNames()
     for (const char* name : {"TimeProgram", "TimeProgram_ZELMOR_4", "OperatingModeSwitching", "Readable_DataStorage"}) {
         QVERIFY2(names.contains(QLatin1String(name)), name);
     }
-}
-
-void TestChamberTypeData::chamberOptionEquality()
-{
-    QVERIFY(ChamberOption(QStringLiteral("LQC"), true) == ChamberOption(QStringLiteral("LQC"), true));
-    QVERIFY(ChamberOption(QStringLiteral("LQC"), true) != ChamberOption(QStringLiteral("LQC"), false));
-    QVERIFY(ChamberOption(QStringLiteral("LQC"), true) != ChamberOption(QStringLiteral("lqc"), true));
-}
-
-void TestChamberTypeData::controllerAddressEquality_data()
-{
-    QTest::addColumn<QString>("field");
-    QTest::addColumn<bool>("equal");
-
-    QTest::newRow("unchanged") << "" << true;
-    QTest::newRow("id") << "id" << false;
-    QTest::newRow("address") << "address" << false;
-    QTest::newRow("access") << "access" << false;
-    QTest::newRow("type") << "type" << false;
-    QTest::newRow("arraySize") << "arraySize" << false;
-    QTest::newRow("setPointNr") << "setPointNr" << false;
-    QTest::newRow("description") << "description" << false;
-}
-
-void TestChamberTypeData::controllerAddressEquality()
-{
-    QFETCH(QString, field);
-    QFETCH(bool, equal);
-
-    const ControllerAddress original(12, QStringLiteral("0x0200"), ControllerAddress::READ_ONLY, QMetaType::Float, 4, 2,
-                                     QStringLiteral("temperature"));
-    ControllerAddress changed = original;
-    if (field == QLatin1String("id")) {
-        changed.id = 13;
-    } else if (field == QLatin1String("address")) {
-        changed.address = QStringLiteral("0x0201");
-    } else if (field == QLatin1String("access")) {
-        changed.access = ControllerAddress::READ_WRITE;
-    } else if (field == QLatin1String("type")) {
-        changed.type = QMetaType::Int;
-    } else if (field == QLatin1String("arraySize")) {
-        changed.arraySize = 1;
-    } else if (field == QLatin1String("setPointNr")) {
-        changed.setPointNr = -1;
-    } else if (field == QLatin1String("description")) {
-        changed.description.clear();
-    }
-    QCOMPARE(changed == original, equal);
-    QCOMPARE(changed != original, !equal);
 }
 
 void TestChamberTypeData::controllerAddressOrderByTextOnly()
