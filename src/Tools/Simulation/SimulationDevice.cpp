@@ -8,6 +8,11 @@ void SimulationDevice::add(QSharedPointer<SimulationReader> const& child)
     children.append(child);
 }
 
+QList<QSharedPointer<SimulationReader>> SimulationDevice::getChildren() const
+{
+    return children;
+}
+
 QVariant SimulationDevice::read(int address)
 {
     for (auto const& child : qAsConst(children)) {

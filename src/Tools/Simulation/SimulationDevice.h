@@ -18,6 +18,8 @@ class SimulationDevice : public SimulationReader
 public:
     /// Appends at the end; there is no removal.
     void add(QSharedPointer<SimulationReader> const& child);
+    /// The children in the order they are asked.
+    QList<QSharedPointer<SimulationReader>> getChildren() const;
 
     QVariant read(int address) override;
     bool write(int address, QVariant value) override;

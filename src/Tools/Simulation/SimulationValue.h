@@ -10,6 +10,11 @@ namespace simulation {
 class SimulationValue
 {
 public:
+    /// An address of -1 stands for none: a value never answers on it, so a
+    /// signal without a write address takes no writes and its aliases of the
+    /// set value answer invalid.
+    static constexpr int noAddress_ = -1;
+
     /// Opens the account now: the lag starts at construction.
     SimulationValue();
 

@@ -98,6 +98,8 @@ public:
     {
         // The set address first: a value whose two addresses are equal
         // answers with its set value and never advances.
+        if (address == noAddress_)
+            return QVariant();
         if (address == setAddress)
             return QVariant::fromValue(setValue);
         if (address == currentAddress) {
@@ -110,7 +112,7 @@ public:
     /// Any value is taken: toInt, then the low bits; what doesn't convert is 0.
     bool write(int address, QVariant value) override
     {
-        if (address != setAddress)
+        if (address != setAddress || address == noAddress_)
             return false;
         T const converted = static_cast<T>(value.toInt());
         // The process value keeps the path it was on up to this moment.

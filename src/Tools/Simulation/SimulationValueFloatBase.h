@@ -34,6 +34,8 @@ public:
     {
         // The set address first: a value whose two addresses are equal
         // answers with its set value and never advances.
+        if (address == noAddress_)
+            return QVariant();
         if (address == setAddress)
             return QVariant(setValue);
         if (address == currentAddress) {
@@ -46,7 +48,7 @@ public:
     /// Any value is taken; what doesn't convert is 0.
     bool write(int address, QVariant value) override
     {
-        if (address != setAddress)
+        if (address != setAddress || address == noAddress_)
             return false;
         T const converted = value.toFloat();
         // The process value keeps the path it was on up to this moment.

@@ -27,37 +27,40 @@ struct TestValue
 {
     QSharedPointer<SimulationReader> reader;
     SimulationValue* clock = nullptr;
+    int set = setAddress;
+    int current = currentAddress;
 
-    QVariant readCurrent() { return reader->read(currentAddress); }
-    QVariant readSet() { return reader->read(setAddress); }
+    QVariant readCurrent() { return reader->read(current); }
+    QVariant readSet() { return reader->read(set); }
     void age(qint64 ms) { clock->setLastRequest(clock->getLastRequest().addMSecs(-ms)); }
 };
 
 template<typename V, typename T>
-TestValue make(double current, double set, float timeConstant)
+TestValue make(double current, double set, float timeConstant, int setAt, int currentAt)
 {
-    auto value = QSharedPointer<V>::create(static_cast<T>(current), static_cast<T>(set), timeConstant, setAddress, currentAddress);
-    return TestValue{value, value.data()};
+    auto value = QSharedPointer<V>::create(static_cast<T>(current), static_cast<T>(set), timeConstant, setAt, currentAt);
+    return TestValue{value, value.data(), setAt, currentAt};
 }
 
-TestValue makeValue(QByteArray const& kind, double current, double set, float timeConstant)
+TestValue makeValue(QByteArray const& kind, double current, double set, float timeConstant,
+                    int setAt = setAddress, int currentAt = currentAddress)
 {
     if (kind == "bool")
-        return make<SimulationValueBool, bool>(current, set, timeConstant);
+        return make<SimulationValueBool, bool>(current, set, timeConstant, setAt, currentAt);
     if (kind == "int")
-        return make<SimulationValueInt, int>(current, set, timeConstant);
+        return make<SimulationValueInt, int>(current, set, timeConstant, setAt, currentAt);
     if (kind == "uint")
-        return make<SimulationValueUInt, unsigned int>(current, set, timeConstant);
+        return make<SimulationValueUInt, unsigned int>(current, set, timeConstant, setAt, currentAt);
     if (kind == "short")
-        return make<SimulationValueShort, short>(current, set, timeConstant);
+        return make<SimulationValueShort, short>(current, set, timeConstant, setAt, currentAt);
     if (kind == "ushort")
-        return make<SimulationValueUShort, unsigned short>(current, set, timeConstant);
+        return make<SimulationValueUShort, unsigned short>(current, set, timeConstant, setAt, currentAt);
     if (kind == "uchar")
-        return make<SimulationValueUChar, unsigned char>(current, set, timeConstant);
+        return make<SimulationValueUChar, unsigned char>(current, set, timeConstant, setAt, currentAt);
     if (kind == "char")
-        return make<SimulationValueChar, signed char>(current, set, timeConstant);
+        return make<SimulationValueChar, signed char>(current, set, timeConstant, setAt, currentAt);
     if (kind == "float")
-        return make<SimulationValueFloat, float>(current, set, timeConstant);
+        return make<SimulationValueFloat, float>(current, set, timeConstant, setAt, currentAt);
     qFatal("unknown kind %s", kind.constData());
     return TestValue();
 }
@@ -100,6 +103,8 @@ private slots:
     void getTypeByFamily_data();
     void getTypeByFamily();
     void equalAddressesAnswerTheSetValue();
+    void minusOneIsNoAddress_data();
+    void minusOneIsNoAddress();
     void writerAlias();
     void duplicatorAlias();
 };
@@ -437,6 +442,27 @@ void TestSimulationValue::equalAddressesAnswerTheSetValue()
     value.setLastRequest(QDateTime::currentDateTime().addSecs(-5));
     QCOMPARE(value.read(0x30), QVariant(100));
     QCOMPARE(value.getCurrentValue(), 0);
+}
+
+void TestSimulationValue::minusOneIsNoAddress_data()
+{
+    readTypes_data();
+}
+
+void TestSimulationValue::minusOneIsNoAddress()
+{
+    QFETCH(QByteArray, kind);
+    // A value without a set address takes no write and answers nowhere on -1.
+    TestValue withoutSet = makeValue(kind, 1, 1, 10.0f, -1, currentAddress);
+    QVERIFY(!withoutSet.reader->write(-1, 0));
+    QVERIFY(!withoutSet.reader->read(-1).isValid());
+    QVERIFY(!withoutSet.reader->getType(-1).isValid());
+    QCOMPARE(withoutSet.readCurrent().toInt(), 1);
+
+    TestValue withoutCurrent = makeValue(kind, 1, 1, 10.0f, setAddress, -1);
+    QVERIFY(!withoutCurrent.reader->read(-1).isValid());
+    QVERIFY(withoutCurrent.reader->write(setAddress, 0));
+    QCOMPARE(withoutCurrent.readSet().toInt(), 0);
 }
 
 void TestSimulationValue::writerAlias()
