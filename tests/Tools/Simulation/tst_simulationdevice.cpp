@@ -59,15 +59,15 @@ public:
     SimulationReader* reader() const { return simulationReader.data(); }
 };
 
-// A child spec in a table row: "address:answer:w:t" where w/t mark a child
+// A child in a table row as "address:answer:w:t", where w/t mark a child
 // that takes writes / answers getType.
 using Children = QList<QSharedPointer<CountingReader>>;
 
-Children makeChildren(QStringList const& specs, SimulationDevice& device)
+Children makeChildren(QStringList const& texts, SimulationDevice& device)
 {
     Children children;
-    for (QString const& spec : specs) {
-        QStringList const parts = spec.split(QLatin1Char(':'));
+    for (QString const& text : texts) {
+        QStringList const parts = text.split(QLatin1Char(':'));
         auto child = QSharedPointer<CountingReader>::create(parts.at(0).toInt(), QVariant(parts.at(1).toInt()),
                                                             parts.contains(QStringLiteral("w")),
                                                             parts.contains(QStringLiteral("t")));
