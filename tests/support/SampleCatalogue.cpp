@@ -1,0 +1,35 @@
+#include "support/SampleCatalogue.h"
+
+#include "support/TestDatabase.h"
+#include "support/TestPaths.h"
+
+#include <QFile>
+
+namespace zelmor::testsupport {
+
+namespace {
+
+QString readSource(const QString& relativePath)
+{
+    QFile file(sourceDir() + QLatin1Char('/') + relativePath);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return QString();
+    }
+    return QString::fromUtf8(file.readAll());
+}
+
+} // namespace
+
+QString createSampleCatalogue(TestDatabase& database, const QString& fileName)
+{
+    const QString schema = readSource(QStringLiteral("database/schema.sql"));
+    const QString data = readSource(QStringLiteral("database/sample-data.sql"));
+    if (schema.isEmpty() || data.isEmpty()) {
+        return QString();
+    }
+    // One transaction: a commit per statement would cost a disk sync each.
+    return database.createEncrypted(fileName, QStringLiteral("BEGIN;\n") + schema + QLatin1Char('\n') + data
+                                                  + QStringLiteral("\nCOMMIT;"));
+}
+
+} // namespace zelmor::testsupport
