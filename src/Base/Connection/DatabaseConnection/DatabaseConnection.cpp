@@ -1,20 +1,28 @@
 #include "Base/Connection/DatabaseConnection/DatabaseConnection.h"
 
+#include "Base/Connection/DatabaseConnection/SqlConfigurationDatabaseConnection.h"
+#include "Domain/Api/IInitializing.h"
 #include "Domain/Api/ISqlConnection.h"
 
-// The creation functions of the application tables are in DatabaseConnectionTables.cpp.
+// The creation functions of the application tables are in
+// DatabaseConnectionTables.cpp, the calls passed on to the stores in
+// DatabaseConnection<Store>.cpp.
 
 namespace zelmor::base::connection::databaseconnection {
 
 Q_LOGGING_CATEGORY(DATABASECONNECTION, "zelmor.DatabaseConnection")
 
+using zelmor::domain::api::IInitializing;
 using zelmor::domain::api::ISqlConnection;
 using zelmor::domain::types::DatabaseConnectionError;
 
 DatabaseConnection::DatabaseConnection(bool mergeUserLevels, QObject* parent)
     : QObject(parent)
+    , configurationStore(new SqlConfigurationDatabaseConnection(nullptr))
     , mergeUserLevels(mergeUserLevels)
 {
+    // Early, so that a store used before initialize() reports through the facade too.
+    connectSignals();
 }
 
 DatabaseConnection::~DatabaseConnection() = default;
@@ -29,6 +37,9 @@ bool DatabaseConnection::setDependencies(ISqlConnection* applicationDatabase, IS
     // The stores in this order, each stopping the wiring on false: access,
     // camera, alarm, configuration, chamber, program, protocol, recording,
     // recordset, room, settings, user.
+    if (!configurationStore->setDependencies(configurationDatabase)) {
+        return false;
+    }
     return true;
 }
 
@@ -61,8 +72,9 @@ bool DatabaseConnection::isDatabaseVersionWrong() const
 
 void DatabaseConnection::connectSignals()
 {
-    // Each store's error signal is connected to error() here, in the order of
-    // the stores.
+    // In the order of the stores; a second call adds no second connection.
+    connect(configurationStore.data(), &SqlConfigurationDatabaseConnection::error, this, &DatabaseConnection::error,
+            Qt::UniqueConnection);
 }
 
 bool DatabaseConnection::createApplicationTables()
@@ -84,7 +96,15 @@ bool DatabaseConnection::createApplicationTables()
 
 bool DatabaseConnection::initializeStores()
 {
-    // Each store's initialize() in the order of the stores, stopping at the first false.
+    // In the order of the stores, stopping at the first false.
+    const QList<IInitializing*> stores = {
+        configurationStore.data(),
+    };
+    for (IInitializing* store : stores) {
+        if (!store->initialize()) {
+            return false;
+        }
+    }
     return true;
 }
 

@@ -1,8 +1,12 @@
 #include "Base/Connection/DatabaseConnection/DatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqliteConnection.h"
 #include "Domain/Api/ISqlQuery.h"
+#include "Domain/Types/ChamberSignal.h"
+#include "Domain/Types/ChamberTypeData.h"
+#include "Domain/Types/ChamberTypeId.h"
 #include "support/LogCapture.h"
 #include "support/TestDatabase.h"
+#include "support/TestPaths.h"
 
 #include <QCoreApplication>
 #include <QHash>
@@ -20,7 +24,10 @@ using zelmor::base::connection::databaseconnection::databaseSchemaVersionNumber;
 using zelmor::base::connection::databaseconnection::SqliteConnection;
 using zelmor::domain::api::ISqlConnection;
 using zelmor::domain::api::ISqlQuery;
+using zelmor::domain::types::ChamberTypeData;
+using zelmor::domain::types::ChamberTypeId;
 using zelmor::domain::types::DatabaseConnectionError;
+using zelmor::domain::types::Unit;
 using zelmor::testsupport::LogCapture;
 using zelmor::testsupport::TestDatabase;
 
@@ -391,6 +398,20 @@ const QString catalogueTables = QStringLiteral(
     "CREATE TABLE controller(id INTEGER); CREATE TABLE controller_data(id INTEGER); "
     "CREATE TABLE protocol(id INTEGER); CREATE TABLE signal(id INTEGER); CREATE TABLE value_type(id INTEGER);");
 
+// The delivered schema of the catalogue with one chamber type of one signal.
+QString smallCatalogue()
+{
+    QFile schema(zelmor::testsupport::sourceDir() + QStringLiteral("/database/schema.sql"));
+    if (!schema.open(QIODevice::ReadOnly))
+        return QString();
+    return QString::fromUtf8(schema.readAll())
+        + QStringLiteral("INSERT INTO controller (id, type) VALUES (1, 'TLX');"
+                         "INSERT INTO chamber_type (id, type, developement_state, size, controller_id) "
+                         "VALUES (5, 'HX', 'Z6', 60, 1);"
+                         "INSERT INTO signal (id, name, unit) VALUES (7, 'Temperature', '% r.F.');"
+                         "INSERT INTO chamber_type_has_signal (chamber_type_id, signal_id) VALUES (5, 7);");
+}
+
 QList<int> codesOf(const QSignalSpy& spy)
 {
     QList<int> codes;
@@ -437,6 +458,12 @@ private slots:
     void setDependencies();
     void withoutDependencies();
 
+    void catalogueWithoutInitialize();
+    void catalogueWithoutConnection_data();
+    void catalogueWithoutConnection();
+    void initializeNeedsTheCatalogue();
+    void storeErrorsArePassedOnOnce();
+
 private:
     struct Databases
     {
@@ -446,7 +473,8 @@ private:
         QString applicationPath;
     };
     // Encrypted files made by the sqlcipher shell, opened through SqliteConnection.
-    bool open(Databases& databases, const QString& applicationSql);
+    bool open(Databases& databases, const QString& applicationSql,
+              const QString& configurationSql = catalogueTables);
     static QStringList tablesOf(const QString& path);
 
     TestDatabase files;
@@ -458,12 +486,13 @@ void TestDatabaseConnection::initTestCase()
     QVERIFY(files.isValid());
 }
 
-bool TestDatabaseConnection::open(Databases& databases, const QString& applicationSql)
+bool TestDatabaseConnection::open(Databases& databases, const QString& applicationSql,
+                                  const QString& configurationSql)
 {
     static int count = 0;
     ++count;
     const QString application = files.createEncrypted(QStringLiteral("application%1.db").arg(count), applicationSql);
-    const QString configuration = files.createEncrypted(QStringLiteral("configuration%1.db").arg(count), catalogueTables);
+    const QString configuration = files.createEncrypted(QStringLiteral("configuration%1.db").arg(count), configurationSql);
     if (application.isEmpty() || configuration.isEmpty()) {
         qWarning() << files.lastError();
         return false;
@@ -916,6 +945,94 @@ void TestDatabaseConnection::withoutDependencies()
     QVERIFY(!facade.isDatabaseVersionWrong());
     QVERIFY(!facade.createTableRecording());
     QCOMPARE(codesOf(errors), (QList<int>{0, 0}));
+}
+
+// ---------------------------------------------------------------------------
+
+void TestDatabaseConnection::catalogueWithoutInitialize()
+{
+    // As the simulator does it: dependencies set, no initialize.
+    Databases databases;
+    QVERIFY(open(databases, QString(), smallCatalogue()));
+    DatabaseConnection facade(false, nullptr);
+    QVERIFY(facade.setDependencies(databases.recorder.get(), databases.configuration.get()));
+    QSignalSpy errors(&facade, &DatabaseConnection::error);
+
+    const QList<ChamberTypeData> types = facade.getAllChamberTypeData(false);
+    QCOMPARE(types.size(), 1);
+    QCOMPARE(types.at(0).chamberTypeId.typeId, quint64(5));
+    QCOMPARE(types.at(0).getQualifiedTypeName(), QStringLiteral("HX 60 Z6"));
+    QCOMPARE(types.at(0).controller, QStringLiteral("TLX"));
+    QVERIFY(types.at(0).chamberSignals.isEmpty());
+
+    const QMap<int, zelmor::domain::types::ChamberSignal> signalsOfType = facade.getChamberSignals(ChamberTypeId(5, 0));
+    QCOMPARE(signalsOfType.keys(), QList<int>{7});
+    QCOMPARE(signalsOfType.value(7).name, QStringLiteral("Temperature"));
+    QCOMPARE(facade.getSignalUnitId(7), Unit::RELATIVE_HUMIDITY_RF);
+    QCOMPARE(errors.count(), 0);
+
+    // The store's own report reaches the facade's signal.
+    QVERIFY(facade.getChamberSignal(999).isNull());
+    QCOMPARE(codesOf(errors), QList<int>{8});
+    // Nothing touched the application database.
+    QCOMPARE(databases.recorder->executed, QStringList());
+}
+
+void TestDatabaseConnection::catalogueWithoutConnection_data()
+{
+    QTest::addColumn<bool>("callSetDependencies");
+
+    QTest::newRow("never set") << false;
+    QTest::newRow("configuration database null") << true;
+}
+
+void TestDatabaseConnection::catalogueWithoutConnection()
+{
+    QFETCH(bool, callSetDependencies);
+
+    Databases databases;
+    QVERIFY(open(databases, QString(), smallCatalogue()));
+    DatabaseConnection facade(false, nullptr);
+    QSignalSpy errors(&facade, &DatabaseConnection::error);
+    if (callSetDependencies)
+        QVERIFY(!facade.setDependencies(databases.recorder.get(), nullptr));
+
+    QVERIFY(facade.getAllChamberTypeData(false).isEmpty());
+    QCOMPARE(facade.getChamberSignals(ChamberTypeId(5, 0)).size(), 0);
+    QCOMPARE(codesOf(errors), (QList<int>{0, 0}));
+}
+
+void TestDatabaseConnection::initializeNeedsTheCatalogue()
+{
+    // The catalogue without its "signal" table: the application tables are
+    // made all the same, then the catalogue store refuses.
+    QString withoutSignal = catalogueTables;
+    withoutSignal.remove(QStringLiteral("CREATE TABLE signal(id INTEGER); "));
+    QVERIFY(withoutSignal != catalogueTables);
+    Databases databases;
+    QVERIFY(open(databases, versionTable(19), withoutSignal));
+    DatabaseConnection facade(false, nullptr);
+    QVERIFY(facade.setDependencies(databases.recorder.get(), databases.configuration.get()));
+    QSignalSpy errors(&facade, &DatabaseConnection::error);
+
+    QVERIFY(!facade.initialize());
+    QVERIFY(!facade.isDatabaseVersionWrong());
+    QCOMPARE(codesOf(errors), QList<int>{4});
+    QCOMPARE(databases.recorder->executed.size(), 13);
+}
+
+void TestDatabaseConnection::storeErrorsArePassedOnOnce()
+{
+    Databases databases;
+    QVERIFY(open(databases, versionTable(19), smallCatalogue()));
+    DatabaseConnection facade(false, nullptr);
+    QVERIFY(facade.setDependencies(databases.recorder.get(), databases.configuration.get()));
+    QVERIFY(facade.initialize());
+    QVERIFY(facade.initialize());
+    QSignalSpy errors(&facade, &DatabaseConnection::error);
+
+    QVERIFY(facade.getChamberSignal(999).isNull());
+    QCOMPARE(codesOf(errors), QList<int>{8});
 }
 
 // ---------------------------------------------------------------------------
