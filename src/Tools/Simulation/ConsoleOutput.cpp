@@ -1,0 +1,43 @@
+#include "Tools/Simulation/ConsoleOutput.h"
+
+#include <QFile>
+#include <QTextStream>
+
+#include <cstdio>
+
+namespace zelmor {
+namespace simulation {
+
+namespace {
+
+// The file is declared first so that the stream, which flushes into it when
+// destroyed at exit, goes first.
+struct Console
+{
+    Console()
+    {
+        standardOutput.open(stdout, QIODevice::WriteOnly);
+        stream.setDevice(&standardOutput);
+    }
+
+    QFile standardOutput;
+    QTextStream stream;
+};
+
+} // namespace
+
+QTextStream& consoleOutput()
+{
+    static Console console;
+    return console.stream;
+}
+
+QTextStream& consoleEndLine(QTextStream& stream)
+{
+    stream << "\r\n";
+    stream.flush();
+    return stream;
+}
+
+} // namespace simulation
+} // namespace zelmor

@@ -1,0 +1,42 @@
+#include "Tools/Simulation/UdpBroadCaster.h"
+
+#include <QHostAddress>
+#include <QNetworkInterface>
+#include <QUdpSocket>
+
+namespace zelmor {
+namespace simulation {
+
+namespace {
+
+constexpr char noMacAddress[] = "00:00:00:00:00:00";
+
+} // namespace
+
+UdpBroadCaster::UdpBroadCaster(QHostAddress const& address, int port)
+    : socket(new QUdpSocket)
+{
+    socket->bind(address, static_cast<quint16>(port), QAbstractSocket::ShareAddress);
+    connect(socket.get(), &QUdpSocket::readyRead, this, &UdpBroadCaster::readUdpData);
+}
+
+UdpBroadCaster::~UdpBroadCaster() = default;
+
+QString UdpBroadCaster::getMacAddress() const
+{
+    QHostAddress const local = socket->localAddress();
+    QNetworkInterface::InterfaceFlags const required = QNetworkInterface::IsUp | QNetworkInterface::CanBroadcast;
+    for (QNetworkInterface const& networkInterface : QNetworkInterface::allInterfaces()) {
+        QNetworkInterface::InterfaceFlags const flags = networkInterface.flags();
+        if ((flags & required) != required || flags.testFlag(QNetworkInterface::IsLoopBack))
+            continue;
+        for (QNetworkAddressEntry const& entry : networkInterface.addressEntries()) {
+            if (entry.ip().protocol() == QAbstractSocket::IPv4Protocol && entry.ip() == local)
+                return networkInterface.hardwareAddress();
+        }
+    }
+    return QLatin1String(noMacAddress);
+}
+
+} // namespace simulation
+} // namespace zelmor
