@@ -1,7 +1,6 @@
 #include "SqlCipherDriver/SqlCipherResult_p.h"
 
 #include "SqlCipherDriver/SqlCipherDriver.h"
-#include "SqlCipherDriver/SqlCipherStatementCache_p.h"
 
 #include <QDateTime>
 #include <QSqlError>
@@ -90,14 +89,19 @@ QVariant SqlCipherResult::handle() const
 
 void SqlCipherResult::dropStatement()
 {
-    if (statement_)
+    // A borrowed statement is finalized by the cache.
+    if (statement_ && !entry_)
         sqlite3_finalize(statement_);
     statement_ = nullptr;
+    entry_ = nullptr;
     stepping_ = false;
     rowPending_ = false;
     heldParameters_.clear();
     buffer_.clear();
-    recordValid_ = false;
+    rowValues_.clear();
+    rowValuesKnown_ = 0;
+    ownRecord_.reset();
+    recordChecked_ = false;
     setActive(false);
     setAt(QSql::BeforeFirstRow);
 }
@@ -148,12 +152,19 @@ void SqlCipherResult::setStatementError(const QString& text, int code, QSqlError
 bool SqlCipherResult::acquireStatement(const QString& sql, bool runLeadingStatements)
 {
     releaseStatement();
-    recordValid_ = false;
     sqlite3* db = connection();
     if (!db) {
         setLastError(QSqlError(QStringLiteral("Driver not open"), QString(),
                                QSqlError::ConnectionError));
         return false;
+    }
+
+    SqlCipherStatementCache& cache = driver_->statementCache();
+    entry_ = cache.acquire(sql);
+    if (entry_) {
+        statement_ = entry_->statement;
+        kind_ = StatementKind(entry_->kind);
+        return true;
     }
 
     const QChar* pos = sql.constData();
@@ -164,16 +175,7 @@ bool SqlCipherResult::acquireStatement(const QString& sql, bool runLeadingStatem
             : startsWithWord(pos, end, QLatin1String("REPLACE")) ? StatementKind::Insert
             : startsWithWord(pos, end, QLatin1String("PRAGMA"))  ? StatementKind::Pragma
                                                                  : StatementKind::Other;
-    // A pragma such as "key" does its work while it is prepared, so running a
-    // kept one again would do nothing.
-    cacheable_ = kind_ != StatementKind::Pragma;
-    if (cacheable_) {
-        statement_ = driver_->statementCache().take(sql);
-        if (statement_) {
-            statementText_ = sql;
-            return true;
-        }
-    }
+    bool single = true;
 
     sqlite3_stmt* statement = nullptr;
     int rc = prepareNext(db, pos, end, &statement);
@@ -193,7 +195,7 @@ bool SqlCipherResult::acquireStatement(const QString& sql, bool runLeadingStatem
             return false;
         }
         sqlite3_finalize(statement);
-        cacheable_ = false;
+        single = false;
         rc = prepareNext(db, pos, end, &statement);
     }
     if (rc != SQLITE_OK) {
@@ -209,28 +211,48 @@ bool SqlCipherResult::acquireStatement(const QString& sql, bool runLeadingStatem
         return false;
     }
     statement_ = statement;
-    statementText_ = sql;
+    // A pragma such as "key" does its work while it is prepared, so running a
+    // kept one again would do nothing.
+    if (single && kind_ != StatementKind::Pragma)
+        entry_ = cache.adopt(sql, statement, quint8(kind_));
     return true;
 }
 
 void SqlCipherResult::releaseStatement()
 {
-    if (statement_) {
-        if (cacheable_ && driver_)
-            driver_->statementCache().give(statementText_, statement_);
-        else
-            sqlite3_finalize(statement_);
+    if (entry_) {
+        if (driver_)
+            driver_->statementCache().release(entry_);
+    } else if (statement_) {
+        sqlite3_finalize(statement_);
     }
     statement_ = nullptr;
+    entry_ = nullptr;
     stepping_ = false;
     rowPending_ = false;
     heldParameters_.clear();
     buffer_.clear();
+    rowValues_.clear();
+    rowValuesKnown_ = 0;
+    ownRecord_.reset();
+    recordChecked_ = false;
 }
 
 bool SqlCipherResult::prepare(const QString& query)
 {
     return acquireStatement(query, false);
+}
+
+bool SqlCipherResult::savePrepare(const QString& query)
+{
+    // The base class rewrites named placeholders (":name") into "?" with a
+    // parser that costs more than preparing a cached statement; a text without
+    // a colon comes out of it unchanged.
+    if (query.contains(QLatin1Char(':')))
+        return QSqlResult::savePrepare(query);
+    clear();
+    setQuery(query);
+    return prepare(query);
 }
 
 bool SqlCipherResult::reset(const QString& query)
@@ -259,6 +281,7 @@ bool SqlCipherResult::execute(bool bind)
     setSelect(false);
     setActive(false);
     rowPending_ = false;
+    rowValuesKnown_ = 0;
     buffer_.clear();
     bufferFirstRow_ = 0;
     rowsAffected_ = -1;
@@ -277,12 +300,9 @@ bool SqlCipherResult::execute(bool bind)
         return false;
     }
 
-    // The column count can change when the engine re-prepares after a schema change.
-    const int columns = sqlite3_column_count(statement_);
-    if (columns != columnCount_) {
-        columnCount_ = columns;
-        recordValid_ = false;
-    }
+    // The columns can change when the engine re-prepares after a schema change.
+    columnCount_ = sqlite3_column_count(statement_);
+    recordChecked_ = false;
     readFromBuffer_ = !isForwardOnly();
     if (rc == SQLITE_ROW) {
         stepping_ = true;
@@ -410,6 +430,7 @@ bool SqlCipherResult::bindParameters()
 
 bool SqlCipherResult::stepRow()
 {
+    rowValuesKnown_ = 0;
     const int rc = sqlite3_step(statement_);
     if (rc == SQLITE_ROW)
         return true;
@@ -421,6 +442,7 @@ bool SqlCipherResult::stepRow()
 
 void SqlCipherResult::stopStepping()
 {
+    rowValuesKnown_ = 0;
     sqlite3_reset(statement_);
     stepping_ = false;
     rowPending_ = false;
@@ -487,7 +509,18 @@ QVariant SqlCipherResult::data(int column)
         const int index = (at() - bufferFirstRow_) * columnCount_ + column;
         return index >= 0 && index < buffer_.size() ? buffer_.at(index) : QVariant();
     }
-    return stepping_ ? columnValue(column) : QVariant();
+    if (!stepping_)
+        return QVariant();
+    if (column >= 64)
+        return columnValue(column);
+    const quint64 bit = quint64(1) << column;
+    if (rowValuesKnown_ & bit)
+        return rowValues_.at(column);
+    if (rowValues_.size() < columnCount_)
+        rowValues_.resize(columnCount_);
+    rowValues_[column] = columnValue(column);
+    rowValuesKnown_ |= bit;
+    return rowValues_.at(column);
 }
 
 bool SqlCipherResult::isNull(int column)
@@ -603,17 +636,76 @@ QSqlRecord SqlCipherResult::record() const
 {
     if (!isActive() || !isSelect() || !statement_)
         return QSqlRecord();
-    if (!recordValid_) {
-        record_.clear();
-        for (int column = 0; column < columnCount_; ++column) {
-            QSqlField field(QString::fromUtf8(sqlite3_column_name(statement_, column)),
-                            fieldType(sqlite3_column_decltype(statement_, column)),
-                            QString::fromUtf8(sqlite3_column_table_name(statement_, column)));
-            record_.append(field);
-        }
-        recordValid_ = true;
+    if (!recordChecked_) {
+        if (!recordMatchesColumns())
+            buildRecord();
+        recordChecked_ = true;
     }
-    return record_;
+    return recordSlot();
+}
+
+namespace {
+
+const char* orEmpty(const char* text)
+{
+    return text ? text : "";
+}
+
+} // namespace
+
+QSqlRecord& SqlCipherResult::recordSlot() const
+{
+    return entry_ ? entry_->record : ownRecord().record;
+}
+
+QByteArray& SqlCipherResult::signatureSlot() const
+{
+    return entry_ ? entry_->recordSignature : ownRecord().signature;
+}
+
+SqlCipherResult::OwnRecord& SqlCipherResult::ownRecord() const
+{
+    if (!ownRecord_)
+        ownRecord_ = std::make_unique<OwnRecord>();
+    return *ownRecord_;
+}
+
+bool SqlCipherResult::recordMatchesColumns() const
+{
+    const QByteArray& signature = signatureSlot();
+    if (signature.isEmpty())
+        return false;
+    const char* pos = signature.constData();
+    const char* const end = pos + signature.size();
+    for (int column = 0; column < columnCount_; ++column) {
+        for (const char* part : {sqlite3_column_name(statement_, column),
+                                 sqlite3_column_decltype(statement_, column),
+                                 sqlite3_column_table_name(statement_, column)}) {
+            // The signature's parts end in '\0', and so does the whole array.
+            for (part = orEmpty(part); *part && *part == *pos; ++part, ++pos) {
+            }
+            if (*part || pos == end || *pos)
+                return false;
+            ++pos;
+        }
+    }
+    return pos == end;
+}
+
+void SqlCipherResult::buildRecord() const
+{
+    QSqlRecord& record = recordSlot();
+    QByteArray& signature = signatureSlot();
+    record.clear();
+    signature.clear();
+    for (int column = 0; column < columnCount_; ++column) {
+        const char* name = orEmpty(sqlite3_column_name(statement_, column));
+        const char* declaredType = orEmpty(sqlite3_column_decltype(statement_, column));
+        const char* table = orEmpty(sqlite3_column_table_name(statement_, column));
+        for (const char* part : {name, declaredType, table})
+            signature.append(part, int(std::strlen(part)) + 1);
+        record.append(QSqlField(QString::fromUtf8(name), fieldType(declaredType), QString::fromUtf8(table)));
+    }
 }
 
 void SqlCipherResult::detachFromResultSet()
@@ -622,6 +714,8 @@ void SqlCipherResult::detachFromResultSet()
         stopStepping();
     rowPending_ = false;
     buffer_.clear();
+    rowValues_.clear();
+    rowValuesKnown_ = 0;
 }
 
 } // namespace zelmor::sqldriver

@@ -1,10 +1,14 @@
 #pragma once
 
+#include "SqlCipherDriver/SqlCipherStatementCache_p.h"
+
 #include <QSqlError>
 #include <QSqlRecord>
 #include <QSqlResult>
 #include <QVariant>
 #include <QVector>
+
+#include <memory>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -40,6 +44,7 @@ public:
 
 protected:
     bool prepare(const QString& query) override;
+    bool savePrepare(const QString& query) override;
     bool exec() override;
     bool reset(const QString& query) override;
 
@@ -72,9 +77,11 @@ private:
 
     SqlCipherDriver* driver_ = nullptr;
     sqlite3_stmt* statement_ = nullptr;
-    QString statementText_;
+    // The cache entry the statement is borrowed from; null when the result
+    // owns its statement (pragmas, several statements in one text, or a text
+    // another live result is running).
+    SqlCipherStatementCache::Entry* entry_ = nullptr;
     StatementKind kind_ = StatementKind::Other;
-    bool cacheable_ = false;
 
     bool stepping_ = false;      // the statement sits on a row, more may follow
     bool rowPending_ = false;    // forward-only: exec() stepped a row not yet fetched
@@ -82,6 +89,11 @@ private:
     int columnCount_ = 0;
     int bufferFirstRow_ = 0;     // row number of the first buffered row
     QVector<QVariant> buffer_;   // buffered rows, columnCount_ values each
+    // Forward-only: the current row's values already converted, so that
+    // reading a column twice (QSqlQuery::record() reads every column) does
+    // not convert it twice. A bit per column, for the first 64 columns.
+    QVector<QVariant> rowValues_;
+    quint64 rowValuesKnown_ = 0;
 
     int rowsAffected_ = -1;
     bool hasLastInsertId_ = false;
@@ -91,8 +103,21 @@ private:
     // buffers alive while the statement may read them.
     QVector<QVariant> heldParameters_;
 
-    mutable QSqlRecord record_;
-    mutable bool recordValid_ = false;
+    // A borrowed statement keeps its record in the cache entry; the signature
+    // tells whether the record still fits the statement's columns.
+    QSqlRecord& recordSlot() const;
+    QByteArray& signatureSlot() const;
+    bool recordMatchesColumns() const;
+    void buildRecord() const;
+    struct OwnRecord
+    {
+        QSqlRecord record;
+        QByteArray signature;
+    };
+    OwnRecord& ownRecord() const;
+    // Made on demand: most results borrow their statement and never need it.
+    mutable std::unique_ptr<OwnRecord> ownRecord_;
+    mutable bool recordChecked_ = false;
 };
 
 } // namespace zelmor::sqldriver

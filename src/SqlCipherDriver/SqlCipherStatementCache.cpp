@@ -14,34 +14,40 @@ SqlCipherStatementCache::~SqlCipherStatementCache()
     clear();
 }
 
-sqlite3_stmt* SqlCipherStatementCache::take(const QString& sql)
+SqlCipherStatementCache::Entry* SqlCipherStatementCache::acquire(const QString& sql)
 {
     const auto it = entries_.find(sql);
-    if (it == entries_.end())
+    if (it == entries_.end() || it->inUse)
         return nullptr;
-    sqlite3_stmt* statement = it->statement;
-    entries_.erase(it);
-    return statement;
+    it->inUse = true;
+    ++inUse_;
+    return &*it;
 }
 
-void SqlCipherStatementCache::give(const QString& sql, sqlite3_stmt* statement)
+SqlCipherStatementCache::Entry* SqlCipherStatementCache::adopt(const QString& sql, sqlite3_stmt* statement,
+                                                               quint8 kind)
 {
-    if (!statement)
-        return;
+    if (entries_.contains(sql))
+        return nullptr;
+    Entry& entry = entries_[sql];
+    entry.statement = statement;
+    entry.kind = kind;
+    entry.inUse = true;
+    ++inUse_;
+    return &entry;
+}
+
+void SqlCipherStatementCache::release(Entry* entry)
+{
     // The return code of reset repeats the last step's error, which the
     // result has already reported.
-    sqlite3_reset(statement);
-    sqlite3_clear_bindings(statement);
-
-    auto it = entries_.find(sql);
-    if (it != entries_.end()) {
-        sqlite3_finalize(statement);
-        it->lastReturned = ++clock_;
-        return;
-    }
-    if (entries_.size() >= capacity_)
-        evictOldest();
-    entries_.insert(sql, Entry{statement, ++clock_});
+    sqlite3_reset(entry->statement);
+    sqlite3_clear_bindings(entry->statement);
+    entry->inUse = false;
+    entry->lastReturned = ++clock_;
+    --inUse_;
+    if (entries_.size() - inUse_ > capacity_)
+        evictOldestIdle();
 }
 
 void SqlCipherStatementCache::clear()
@@ -49,11 +55,12 @@ void SqlCipherStatementCache::clear()
     for (const Entry& entry : qAsConst(entries_))
         sqlite3_finalize(entry.statement);
     entries_.clear();
+    inUse_ = 0;
 }
 
 int SqlCipherStatementCache::count() const
 {
-    return entries_.size();
+    return entries_.size() - inUse_;
 }
 
 int SqlCipherStatementCache::capacity() const
@@ -61,11 +68,11 @@ int SqlCipherStatementCache::capacity() const
     return capacity_;
 }
 
-void SqlCipherStatementCache::evictOldest()
+void SqlCipherStatementCache::evictOldestIdle()
 {
-    auto oldest = entries_.begin();
+    auto oldest = entries_.end();
     for (auto it = entries_.begin(); it != entries_.end(); ++it) {
-        if (it->lastReturned < oldest->lastReturned)
+        if (!it->inUse && (oldest == entries_.end() || it->lastReturned < oldest->lastReturned))
             oldest = it;
     }
     if (oldest != entries_.end()) {

@@ -22,13 +22,21 @@ QString readSource(const QString& relativePath)
 
 QString createSampleCatalogue(TestDatabase& database, const QString& fileName)
 {
-    const QString schema = readSource(QStringLiteral("database/schema.sql"));
     const QString data = readSource(QStringLiteral("database/sample-data.sql"));
-    if (schema.isEmpty() || data.isEmpty()) {
+    if (data.isEmpty()) {
+        return QString();
+    }
+    return createCatalogue(database, fileName, data);
+}
+
+QString createCatalogue(TestDatabase& database, const QString& fileName, const QString& rows)
+{
+    const QString schema = readSource(QStringLiteral("database/schema.sql"));
+    if (schema.isEmpty()) {
         return QString();
     }
     // One transaction: a commit per statement would cost a disk sync each.
-    return database.createEncrypted(fileName, QStringLiteral("BEGIN;\n") + schema + QLatin1Char('\n') + data
+    return database.createEncrypted(fileName, QStringLiteral("BEGIN;\n") + schema + QLatin1Char('\n') + rows
                                                   + QStringLiteral("\nCOMMIT;"));
 }
 

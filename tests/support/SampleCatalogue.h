@@ -12,4 +12,7 @@ class TestDatabase;
 // product. Returns the path, or an empty text (database.lastError() says why).
 QString createSampleCatalogue(TestDatabase& database, const QString& fileName = QStringLiteral("catalogue.sqlite3"));
 
+// The shipped schema with the given rows instead of the sample data.
+QString createCatalogue(TestDatabase& database, const QString& fileName, const QString& rows);
+
 } // namespace zelmor::testsupport
