@@ -31,6 +31,7 @@ using zelmor::testsupport::TestDatabase;
 
 Q_DECLARE_METATYPE(QSql::TableType)
 Q_DECLARE_METATYPE(QSql::NumericalPrecisionPolicy)
+Q_DECLARE_METATYPE(QVariant::Type)
 
 namespace {
 
@@ -115,7 +116,10 @@ private slots:
 
     void sameTextInTwoLiveQueries();
     void reusesOneQueryForSeveralStatements();
+    void cachedStatementSeesSchemaChange_data();
     void cachedStatementSeesSchemaChange();
+    void recordCarriesCurrentRowValues();
+    void namedPlaceholders();
     void pragmaRunsEachTime();
     void cacheIsBounded();
     void closeWithLiveQueries();
@@ -1025,10 +1029,28 @@ void tst_SqlCipherDriver::reusesOneQueryForSeveralStatements()
     QCOMPARE(query.value(0).toString(), QStringLiteral("three"));
 }
 
+void tst_SqlCipherDriver::cachedStatementSeesSchemaChange_data()
+{
+    QTest::addColumn<QString>("change");
+    QTest::addColumn<QStringList>("fields");
+    QTest::addColumn<QVariant::Type>("firstType");
+
+    QTest::newRow("column added") << "ALTER TABLE t ADD COLUMN extra INTEGER DEFAULT 12"
+                                  << QStringList{"id", "name", "amount", "data", "extra"} << QVariant::LongLong;
+    QTest::newRow("table made anew, same width")
+        << "DROP TABLE c; DROP TABLE t; CREATE TABLE t(key TEXT PRIMARY KEY, label TEXT, size REAL, raw BLOB);"
+           "INSERT INTO t VALUES ('1', 'uno', 1.5, NULL);"
+        << QStringList{"key", "label", "size", "raw"} << QVariant::String;
+}
+
 void tst_SqlCipherDriver::cachedStatementSeesSchemaChange()
 {
+    QFETCH(QString, change);
+    QFETCH(QStringList, fields);
+    QFETCH(QVariant::Type, firstType);
+
     QSqlDatabase db = open(seeded());
-    const QString text = QStringLiteral("SELECT * FROM t WHERE id = 1");
+    const QString text = QStringLiteral("SELECT * FROM t LIMIT 1");
     {
         QSqlQuery query(db);
         QVERIFY(query.exec(text));
@@ -1036,29 +1058,89 @@ void tst_SqlCipherDriver::cachedStatementSeesSchemaChange()
     }
     {
         QSqlQuery query(db);
-        QVERIFY(query.exec(QStringLiteral("ALTER TABLE t ADD COLUMN extra INTEGER DEFAULT 12")));
+        QVERIFY2(query.exec(change), qPrintable(query.lastError().text()));
     }
     QSqlQuery query(db);
-    QVERIFY(query.exec(text));
-    QCOMPARE(query.record().count(), 5);
+    QVERIFY2(query.exec(text), qPrintable(query.lastError().text()));
+    QStringList names;
+    for (int i = 0; i < query.record().count(); ++i)
+        names << query.record().fieldName(i);
+    QCOMPARE(names, fields);
+    QCOMPARE(query.record().field(0).type(), firstType);
     QVERIFY(query.next());
-    QCOMPARE(query.value(4).toInt(), 12);
+    QCOMPARE(query.record().count(), fields.size());
+}
+
+void tst_SqlCipherDriver::recordCarriesCurrentRowValues()
+{
+    QSqlDatabase db = open(seeded());
+    QSqlQuery query(db);
+    query.setForwardOnly(true);
+    QVERIFY(query.exec(QStringLiteral("SELECT id, name, data FROM t ORDER BY id")));
+    QStringList names;
+    while (query.next()) {
+        // Each column read several ways, in the order the connection layer does.
+        const QSqlRecord record = query.record();
+        QCOMPARE(record.value(0), query.value(0));
+        QCOMPARE(record.value(QStringLiteral("name")).toString(), query.value(1).toString());
+        QVERIFY(!query.value(2).isValid());
+        QVERIFY(query.isNull(2));
+        names << query.value(1).toString() + QLatin1Char('/') + record.value(1).toString();
+    }
+    QCOMPARE(names, (QStringList{"one/one", "two/two", "three/three"}));
+}
+
+void tst_SqlCipherDriver::namedPlaceholders()
+{
+    QSqlDatabase db = open(seeded());
+    QSqlQuery query(db);
+    QVERIFY(query.prepare(QStringLiteral("SELECT name FROM t WHERE id = :id OR name = :name ORDER BY id")));
+    query.bindValue(QStringLiteral(":name"), QStringLiteral("three"));
+    query.bindValue(QStringLiteral(":id"), 1);
+    QVERIFY2(query.exec(), qPrintable(query.lastError().text()));
+    QStringList names;
+    while (query.next())
+        names << query.value(0).toString();
+    QCOMPARE(names, (QStringList{"one", "three"}));
+
+    // A colon in a literal is no placeholder.
+    QVERIFY(query.prepare(QStringLiteral("SELECT '12:00', ?")));
+    query.addBindValue(5);
+    QVERIFY2(query.exec(), qPrintable(query.lastError().text()));
+    QVERIFY(query.next());
+    QCOMPARE(query.value(0).toString(), QStringLiteral("12:00"));
+    QCOMPARE(query.value(1).toInt(), 5);
 }
 
 void tst_SqlCipherDriver::pragmaRunsEachTime()
 {
-    QSqlDatabase db = open(seeded());
-    // Pragmas that set a flag do so while being prepared: each run must prepare anew.
-    for (const char* setting : {"ON", "OFF", "ON", "OFF"}) {
-        {
+    const QString path = seeded();
+    const QString first = QStringLiteral("11111111111111111111111111111111");
+    const QString second = QStringLiteral("22222222222222222222222222222222");
+    {
+        QSqlDatabase db = open(path);
+        // The key pragmas do their work while being prepared: the third
+        // statement has the text of the first and must run again all the same.
+        for (const QString& key : {first, second, first}) {
             QSqlQuery query(db);
-            QVERIFY(query.exec(QStringLiteral("PRAGMA foreign_keys = %1").arg(QLatin1String(setting))));
+            QVERIFY2(query.exec(QStringLiteral("PRAGMA rekey = '%1';").arg(key)),
+                     qPrintable(query.lastError().text()));
         }
-        QSqlQuery query(db);
-        QVERIFY(query.exec(QStringLiteral("PRAGMA foreign_keys")));
-        QVERIFY(query.next());
-        QCOMPARE(query.value(0).toInt(), qstrcmp(setting, "ON") == 0 ? 1 : 0);
+        for (const char* setting : {"ON", "OFF", "ON"}) {
+            {
+                QSqlQuery query(db);
+                QVERIFY(query.exec(QStringLiteral("PRAGMA foreign_keys = %1").arg(QLatin1String(setting))));
+            }
+            QSqlQuery query(db);
+            QVERIFY(query.exec(QStringLiteral("PRAGMA foreign_keys")));
+            QVERIFY(query.next());
+            QCOMPARE(query.value(0).toInt(), qstrcmp(setting, "ON") == 0 ? 1 : 0);
+        }
     }
+    const TestDatabase::ShellResult shell =
+        TestDatabase::runSqlcipher(path, first, QStringLiteral("SELECT count(*) FROM t;"));
+    QVERIFY2(shell.ok, qPrintable(shell.errorOutput));
+    QCOMPARE(shell.output, QStringLiteral("3\n"));
 }
 
 void tst_SqlCipherDriver::cacheIsBounded()
