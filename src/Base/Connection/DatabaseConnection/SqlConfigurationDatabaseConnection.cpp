@@ -524,6 +524,10 @@ Unit::UnitId SqlConfigurationDatabaseConnection::getSignalUnitId(const SignalId&
 
 std::pair<QMetaType::Type, int> SqlConfigurationDatabaseConnection::splitToVariableTypeAndArraySize(const QString& text)
 {
+    // Most registers are scalars: without a bracket the split has one part.
+    if (!text.contains(QLatin1Char('[')) && !text.contains(QLatin1Char(']'))) {
+        return {DC::variableTypeMap.value(text, QMetaType::UnknownType), 1};
+    }
     static const QRegExp brackets(QStringLiteral("(\\[|\\])"));
     const QStringList parts = text.split(brackets, Qt::KeepEmptyParts);
     const QMetaType::Type type = DC::variableTypeMap.value(parts.value(0), QMetaType::UnknownType);
@@ -533,21 +537,28 @@ std::pair<QMetaType::Type, int> SqlConfigurationDatabaseConnection::splitToVaria
 
 QStringList SqlConfigurationDatabaseConnection::prepareChamberSignalColumnNames()
 {
-    QStringList names;
-    names.reserve(signalColumnCount);
-    for (SignalProperty property : signalLayout) {
-        names.append(DC::lookupSignalColumnName(property));
-    }
+    // Built once: a full catalogue read names these columns thousands of times.
+    static const QStringList names = [] {
+        QStringList list;
+        list.reserve(signalColumnCount);
+        for (SignalProperty property : signalLayout) {
+            list.append(DC::lookupSignalColumnName(property));
+        }
+        return list;
+    }();
     return names;
 }
 
 QStringList SqlConfigurationDatabaseConnection::getChamberTypeColumnNames()
 {
-    QStringList names;
-    names.reserve(chamberTypeColumnCount);
-    for (int column = int(ChamberTypeProperty::ID); column <= int(ChamberTypeProperty::CONTROLLER_ID); ++column) {
-        names.append(DC::lookupChamberTypeColumnName(ChamberTypeProperty(column)));
-    }
+    static const QStringList names = [] {
+        QStringList list;
+        list.reserve(chamberTypeColumnCount);
+        for (int column = int(ChamberTypeProperty::ID); column <= int(ChamberTypeProperty::CONTROLLER_ID); ++column) {
+            list.append(DC::lookupChamberTypeColumnName(ChamberTypeProperty(column)));
+        }
+        return list;
+    }();
     return names;
 }
 
@@ -672,16 +683,17 @@ SqlConfigurationDatabaseConnection::getControllerAddress(const ControllerAddress
     if (!checkDependencies("getControllerAddress")) {
         return {};
     }
+    // Read once per signal and register: the names are built only once.
+    static const QStringList columns = {
+        DC::lookupControllerDataColumnName(ControllerDataProperty::ID),
+        DC::lookupControllerDataColumnName(ControllerDataProperty::ADDRESS),
+        DC::lookupControllerDataColumnName(ControllerDataProperty::ACCESS),
+        DC::lookupControllerDataColumnName(ControllerDataProperty::VARIABLE_TYPE),
+        DC::lookupControllerDataColumnName(ControllerDataProperty::SET_POINT_NR),
+        DC::lookupControllerDataColumnName(ControllerDataProperty::DESCRIPTION),
+    };
     SqlQuery query;
-    query
-        .selectColumns({
-            DC::lookupControllerDataColumnName(ControllerDataProperty::ID),
-            DC::lookupControllerDataColumnName(ControllerDataProperty::ADDRESS),
-            DC::lookupControllerDataColumnName(ControllerDataProperty::ACCESS),
-            DC::lookupControllerDataColumnName(ControllerDataProperty::VARIABLE_TYPE),
-            DC::lookupControllerDataColumnName(ControllerDataProperty::SET_POINT_NR),
-            DC::lookupControllerDataColumnName(ControllerDataProperty::DESCRIPTION),
-        })
+    query.selectColumns(columns)
         .fromTable(DC::lookupControllerDataTableName())
         .whereColumn(DC::lookupControllerDataColumnName(ControllerDataProperty::ID))
         .equals(int(id));
