@@ -1,0 +1,82 @@
+#include "Tools/Simulation/ModbusOverTcpServer.h"
+
+#include <QHostAddress>
+#include <QTcpServer>
+#include <QTcpSocket>
+
+#include <array>
+
+namespace zelmor {
+namespace simulation {
+
+namespace {
+
+constexpr quint16 crcPolynomial = 0xA001; // 8005, reflected
+constexpr quint16 crcInitial = 0xFFFF;
+
+constexpr std::array<quint16, 256> makeCrcTable()
+{
+    std::array<quint16, 256> table{};
+    for (unsigned int index = 0; index < table.size(); ++index) {
+        quint16 crc = quint16(index);
+        for (int bit = 0; bit < 8; ++bit)
+            crc = (crc & 1u) ? quint16((crc >> 1) ^ crcPolynomial) : quint16(crc >> 1);
+        table[index] = crc;
+    }
+    return table;
+}
+
+constexpr std::array<quint16, 256> crcTable = makeCrcTable();
+
+} // namespace
+
+ModbusOverTcpServer::ModbusOverTcpServer(QString const& address, int port)
+    : server(new QTcpServer)
+{
+    server->listen(QHostAddress(address), static_cast<quint16>(port));
+    connect(server.get(), &QTcpServer::newConnection, this, &ModbusOverTcpServer::newConnectionRequest);
+}
+
+ModbusOverTcpServer::~ModbusOverTcpServer() = default;
+
+void ModbusOverTcpServer::write(QByteArray const& data)
+{
+    if (sendingSocket)
+        sendingSocket->write(data);
+}
+
+QByteArray ModbusOverTcpServer::calcCrc(QByteArray const& data)
+{
+    quint16 crc = crcInitial;
+    for (char const byte : data)
+        crc = quint16((crc >> 8) ^ crcTable[(crc ^ quint8(byte)) & 0xFFu]);
+    char const bytes[] = {char(crc & 0xFFu), char(crc >> 8)};
+    return QByteArray(bytes, crcSize_);
+}
+
+void ModbusOverTcpServer::newConnectionRequest()
+{
+    // Every client is answered on its own socket, which nobody keeps.
+    QTcpSocket* const socket = server->nextPendingConnection();
+    if (!socket)
+        return;
+    connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+    connect(socket, &QTcpSocket::readyRead, this, &ModbusOverTcpServer::newDataAvailable);
+}
+
+void ModbusOverTcpServer::newDataAvailable()
+{
+    sendingSocket = qobject_cast<QTcpSocket*>(sender());
+    if (!sendingSocket)
+        return;
+    QByteArray const data = sendingSocket->readAll();
+    if (data.size() >= minimumFrameSize_) {
+        // Computed and not compared: a frame with a wrong CRC goes on like a good one.
+        calcCrc(data.left(data.size() - crcSize_));
+        emit dataReceived(data);
+    }
+    sendingSocket = nullptr;
+}
+
+} // namespace simulation
+} // namespace zelmor
