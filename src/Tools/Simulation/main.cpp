@@ -1,0 +1,206 @@
+#include "Base/Connection/DatabaseConnection/DatabaseConnection.h"
+#include "Base/Connection/DatabaseConnection/SqliteConnection.h"
+#include "Tools/Simulation/ChamberFleet.h"
+#include "Tools/Simulation/ChamberSimulation.h"
+#include "Tools/Simulation/ConsoleOutput.h"
+#include "Tools/Simulation/XmlSimulationReader.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QList>
+#include <QSettings>
+#include <QSharedPointer>
+#include <QString>
+#include <QTextStream>
+
+#include <sys/resource.h>
+
+using zelmor::base::connection::databaseconnection::DatabaseConnection;
+using zelmor::base::connection::databaseconnection::SqliteConnection;
+using zelmor::simulation::ChamberSimulation;
+using zelmor::simulation::consoleEndLine;
+using zelmor::simulation::consoleOutput;
+
+namespace {
+
+constexpr char const* usageLines[] = {
+    "Usage: \n",
+    " [-iXXXX] XXXX=IPAddress\n",
+    " [-pXXXX] XXXX=Internet Port\n",
+    " [tlx] creates a TLX chamber\n",
+    " [kv2] creates a TLX chamber\n",
+    " [-mXXX] creates a chamber based on the database id XXX\n",
+    " [-nXXX] creates XXX instances of chambers\n",
+    " [-xXXX] Defines the value file\n",
+};
+
+constexpr char defaultIpAddress[] = "127.0.0.1";
+constexpr char defaultChamberTypeId[] = "9";
+constexpr char tlxChamberTypeId[] = "1";
+constexpr char kv2ChamberTypeId[] = "247";
+
+constexpr char iniFile[] = "../ZELMOR4.ini";
+constexpr char iniDatabasePathKey[] = "General/ConfigDatabasePath";
+constexpr char configurationDatabaseKey[] = "0a1b2c3d4e5f60718293a4b5c6d7e8f9";
+constexpr char const* defaultDatabasePaths[] = {
+    "database/configuration.sqlite3",
+    "../../../database/configuration.sqlite3",
+};
+constexpr int databaseNotOpened = -1;
+
+// The tool opens no window; on a machine without a display the default
+// platform would stop the start, so take one that needs none.
+void chooseWindowlessPlatform()
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY")
+        && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+}
+
+// Every value read asks for the local time. Without TZ the C library looks
+// at /etc/localtime on each call; naming that file reads the same zone once.
+void keepLocalTimeCheap()
+{
+    static char const localTimeFile[] = "/etc/localtime";
+    if (!qEnvironmentVariableIsSet("TZ") && QFile::exists(QLatin1String(localTimeFile)))
+        qputenv("TZ", QByteArray(":") + localTimeFile);
+}
+
+// A TLX chamber holds three descriptors (listener, responder, client); the
+// usual soft limit of 1024 would end a large fleet without a word.
+void raiseOpenFileLimit()
+{
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur == limit.rlim_max)
+        return;
+    limit.rlim_cur = limit.rlim_max;
+    setrlimit(RLIMIT_NOFILE, &limit);
+}
+
+void printUsage()
+{
+    QTextStream& console = consoleOutput();
+    for (char const* line : usageLines)
+        console << line;
+    console.flush();
+}
+
+void attachValueFile(QSharedPointer<ChamberSimulation> const& chamber, QString const& valueFilePath)
+{
+    if (!valueFilePath.isEmpty())
+        chamber->setSimulationReader(QSharedPointer<zelmor::simulation::XmlSimulationReader>::create(valueFilePath));
+}
+
+bool openConfigurationDatabase(SqliteConnection& connection, QString const& iniDatabasePath)
+{
+    QString const key = QLatin1String(configurationDatabaseKey);
+    if (!iniDatabasePath.isEmpty()) {
+        consoleOutput() << "Reading database " << iniDatabasePath << consoleEndLine;
+        return connection.openDatabase(iniDatabasePath, QString(), QString(), key);
+    }
+    consoleOutput() << "Reading database in default folders" << consoleEndLine;
+    for (char const* path : defaultDatabasePaths) {
+        if (connection.openDatabase(QLatin1String(path), QString(), QString(), key))
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    chooseWindowlessPlatform();
+    keepLocalTimeCheap();
+    raiseOpenFileLimit();
+
+    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling, true);
+    QApplication application(argc, argv);
+
+    QList<QSharedPointer<ChamberSimulation>> chambers;
+    QString ipAddress;
+    QList<QString> chamberTypeIds;
+    QString countText;
+    QString portText;
+    QString automaticAddress;
+    QString valueFilePath;
+
+    // Every element is tested against every option, with no else between
+    // them; text options concatenate, the type ids accumulate in order.
+    for (int index = 1; index < argc; ++index) {
+        QString const argument = QString::fromLocal8Bit(argv[index]);
+        if (argument == QLatin1String("kv2"))
+            chamberTypeIds.append(QLatin1String(kv2ChamberTypeId));
+        if (argument == QLatin1String("tlx"))
+            chamberTypeIds.append(QLatin1String(tlxChamberTypeId));
+        if (argument == QLatin1String("-h")) {
+            printUsage();
+            return 0;
+        }
+        if (argument.startsWith(QLatin1String("-i")))
+            ipAddress.append(argument.mid(2));
+        if (argument.startsWith(QLatin1String("-m")))
+            chamberTypeIds.append(argument.mid(2));
+        if (argument.startsWith(QLatin1String("-n")))
+            countText.append(argument.mid(2));
+        // Ports come from the protocols; the value is kept and not used.
+        if (argument.startsWith(QLatin1String("-p")))
+            portText.append(argument.mid(2));
+        if (argument.startsWith(QLatin1String("-a")))
+            automaticAddress.append(argument.mid(2));
+        if (argument.startsWith(QLatin1String("-x")))
+            valueFilePath.append(argument.mid(2));
+    }
+    if (ipAddress.isEmpty())
+        ipAddress.append(QLatin1String(defaultIpAddress));
+    if (chamberTypeIds.isEmpty())
+        chamberTypeIds.append(QLatin1String(defaultChamberTypeId));
+
+    // The application database stays closed: only the catalogue is read.
+    SqliteConnection configurationConnection(QStringLiteral("configDB"));
+    SqliteConnection applicationConnection(QStringLiteral("zelmor4"));
+    DatabaseConnection database(false);
+    database.setDependencies(&applicationConnection, &configurationConnection);
+
+    QSettings settings(QLatin1String(iniFile), QSettings::IniFormat);
+    settings.setIniCodec("UTF-8");
+    QString const iniDatabasePath = settings.value(QLatin1String(iniDatabasePathKey), QString()).toString();
+
+    if (!openConfigurationDatabase(configurationConnection, iniDatabasePath))
+        return databaseNotOpened;
+
+    if (!automaticAddress.isEmpty()) {
+        QList<QSharedPointer<ChamberSimulation>> const fleet =
+            zelmor::simulation::createAutoSimulation(database, automaticAddress);
+        for (QSharedPointer<ChamberSimulation> const& chamber : fleet) {
+            attachValueFile(chamber, valueFilePath);
+            chamber->start();
+        }
+        chambers.append(fleet);
+    } else if (!countText.isEmpty()) {
+        for (QString const& id : chamberTypeIds) {
+            QList<QSharedPointer<ChamberSimulation>> const fleet =
+                zelmor::simulation::createSimulations(database, ipAddress, countText, id.toInt(nullptr, 10));
+            for (QSharedPointer<ChamberSimulation> const& chamber : fleet)
+                attachValueFile(chamber, valueFilePath);
+            chambers.append(fleet);
+        }
+    } else {
+        for (QString const& id : chamberTypeIds) {
+            QSharedPointer<ChamberSimulation> const chamber =
+                zelmor::simulation::getSimulationByChamberConfigId(database, id.toInt(nullptr, 10), ipAddress);
+            if (!chamber)
+                continue;
+            attachValueFile(chamber, valueFilePath);
+            chambers.append(chamber);
+        }
+    }
+
+    // In the automatic path every chamber starts a second time here; a
+    // second start() leaves the first one's listener as it is.
+    for (QSharedPointer<ChamberSimulation> const& chamber : chambers)
+        chamber->start();
+
+    return application.exec();
+}
