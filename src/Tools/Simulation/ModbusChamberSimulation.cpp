@@ -1,0 +1,148 @@
+#include "Tools/Simulation/ModbusChamberSimulation.h"
+
+#include "Tools/Simulation/SimulationReader.h"
+
+#include <QModbusRtuSerialSlave>
+#include <QSerialPort>
+#include <QStringList>
+
+#include <cstring>
+
+namespace zelmor {
+namespace simulation {
+
+namespace {
+
+constexpr quint32 wordMask = 0xffff;
+constexpr int wordBits = 16;
+
+quint16 lowWordOf(float value)
+{
+    quint32 bits = 0;
+    std::memcpy(&bits, &value, sizeof bits);
+    return static_cast<quint16>(bits & wordMask);
+}
+
+} // namespace
+
+ModbusChamberSimulation::ModbusChamberSimulation(QSharedPointer<domain::types::ChamberTypeData> chamberType,
+                                                 QString const& connection)
+    : ChamberSimulation(std::move(chamberType))
+    // Deliberately without a parent: the device outlives the chamber.
+    , device(new QModbusRtuSerialSlave)
+    , timer(0)
+{
+    QStringList const parts = connection.split(QLatin1Char(':'));
+    device->setConnectionParameter(QModbusDevice::SerialPortNameParameter, parts.value(0));
+    device->setConnectionParameter(QModbusDevice::SerialParityParameter, QSerialPort::NoParity);
+    device->setConnectionParameter(QModbusDevice::SerialBaudRateParameter, baudRate_);
+    device->setConnectionParameter(QModbusDevice::SerialDataBitsParameter, QSerialPort::Data8);
+    device->setConnectionParameter(QModbusDevice::SerialStopBitsParameter, QSerialPort::OneStop);
+    device->setServerAddress(parts.value(1).toInt());
+
+    timer = startTimer(copyIntervalMs_, Qt::CoarseTimer);
+
+    QModbusDataUnitMap map;
+    for (QModbusDataUnit::RegisterType table : {QModbusDataUnit::Coils, QModbusDataUnit::DiscreteInputs,
+                                                QModbusDataUnit::InputRegisters, QModbusDataUnit::HoldingRegisters})
+        map.insert(table, QModbusDataUnit(table, 0, tableSize_));
+    device->setMap(map);
+    for (quint16 address = 0; address < tableSize_; ++address) {
+        device->setData(QModbusDataUnit::HoldingRegisters, address, 0);
+        device->setData(QModbusDataUnit::InputRegisters, address, 0);
+    }
+    connect(device, &QModbusServer::dataWritten, this, &ModbusChamberSimulation::dataWritten);
+}
+
+ModbusChamberSimulation::~ModbusChamberSimulation()
+{
+    killTimer(timer);
+}
+
+bool ModbusChamberSimulation::start()
+{
+    device->connectDevice();
+    return true;
+}
+
+int ModbusChamberSimulation::getProtocolId() const
+{
+    return protocolId_;
+}
+
+QString ModbusChamberSimulation::getSerialPortName() const
+{
+    return device->connectionParameter(QModbusDevice::SerialPortNameParameter).toString();
+}
+
+int ModbusChamberSimulation::getServerAddress() const
+{
+    return device->serverAddress();
+}
+
+void ModbusChamberSimulation::timerEvent(QTimerEvent*)
+{
+    if (!simulationReader)
+        return;
+    int address = 0;
+    while (address < tableSize_) {
+        QVariant const value = simulationReader->read(address);
+        auto const at = static_cast<quint16>(address);
+        switch (static_cast<int>(value.type())) {
+        case QMetaType::Int:
+        case QMetaType::Float: {
+            // Both registers of a 32-bit value get its low word; the serial
+            // clients of these chambers expect it so. At register 31 the
+            // second falls outside the table and is dropped.
+            quint16 const word = value.type() == QVariant::Int ? static_cast<quint16>(value.toInt() & wordMask)
+                                                               : lowWordOf(value.toFloat());
+            device->setData(QModbusDataUnit::InputRegisters, at, word);
+            device->setData(QModbusDataUnit::InputRegisters, static_cast<quint16>(address + 1), word);
+            address += 2;
+            break;
+        }
+        case QMetaType::Bool:
+            device->setData(QModbusDataUnit::InputRegisters, at, value.toBool() ? 1 : 0);
+            ++address;
+            break;
+        default:
+            ++address;
+            break;
+        }
+    }
+}
+
+void ModbusChamberSimulation::dataWritten(QModbusDataUnit::RegisterType table, int address, int)
+{
+    if (!simulationReader)
+        return;
+    QVariant const value = simulationReader->read(address);
+    auto const at = static_cast<quint16>(address);
+    switch (static_cast<int>(value.type())) {
+    case QMetaType::Int:
+    case QMetaType::Float: {
+        quint16 low = 0;
+        quint16 high = 0;
+        device->data(table, at, &low);
+        device->data(table, static_cast<quint16>(address + 1), &high);
+        if (value.type() == QVariant::Int)
+            simulationReader->write(address, QVariant(static_cast<int>(quint32(low) | (quint32(high) << wordBits))));
+        else
+            // The words are fetched but no float is built from them: this
+            // path can't set a float.
+            simulationReader->write(address, QVariant(0.0f));
+        break;
+    }
+    case QMetaType::Bool: {
+        quint16 word = 0;
+        device->data(table, at, &word);
+        simulationReader->write(address, QVariant(word != 0));
+        break;
+    }
+    default:
+        break;
+    }
+}
+
+} // namespace simulation
+} // namespace zelmor
