@@ -21,6 +21,54 @@ from pymodbus.client import ModbusTcpClient, ModbusSerialClient
 from pymodbus.framer.rtu_framer import ModbusRtuFramer
 )";
 
+constexpr char operationsScript[] = R"(
+target = sys.argv[1].split(":")
+timeout = float(sys.argv[2])
+if target[0] == "tcp":
+    client = ModbusTcpClient(target[1], port=int(target[2]), timeout=timeout, retries=0)
+elif target[0] == "rtu-over-tcp":
+    client = ModbusTcpClient(target[1], port=int(target[2]), framer=ModbusRtuFramer, timeout=timeout, retries=0)
+else:
+    client = ModbusSerialClient(target[1], baudrate=9600, bytesize=8, parity="N", stopbits=1,
+                                timeout=timeout, retries=0)
+unit = int(target[-1])
+if not client.connect():
+    print("no connection")
+    sys.exit(1)
+for operation in sys.argv[3:]:
+    name, address, *numbers = operation.split(":")
+    address = int(address, 0)
+    numbers = [int(n, 0) for n in numbers]
+    try:
+        if name == "holding":
+            reply = client.read_holding_registers(address, numbers[0], slave=unit)
+        elif name == "input":
+            reply = client.read_input_registers(address, numbers[0], slave=unit)
+        elif name == "coils":
+            reply = client.read_coils(address, numbers[0], slave=unit)
+        elif name == "register":
+            reply = client.write_register(address, numbers[0], slave=unit)
+        elif name == "registers":
+            reply = client.write_registers(address, numbers, slave=unit)
+        elif name == "coil":
+            reply = client.write_coil(address, bool(numbers[0]), slave=unit)
+        else:
+            raise ValueError(name)
+    except Exception:
+        reply = None
+    if reply is None or (reply.isError() and not hasattr(reply, "exception_code")):
+        print("error")
+    elif reply.isError():
+        print("exception", reply.exception_code)
+    elif name in ("holding", "input"):
+        print(*reply.registers)
+    elif name == "coils":
+        print(*[int(bit) for bit in reply.bits[:numbers[0]]])
+    else:
+        print("ok")
+client.close()
+)";
+
 } // namespace
 
 ClientResult runClient(QString const& program, QStringList const& arguments, int timeoutMs)
@@ -32,6 +80,7 @@ ClientResult runClient(QString const& program, QStringList const& arguments, int
         return result;
     // The servers under test live in this process: let the event loop run
     // while the client talks to them.
+    qRegisterMetaType<QProcess::ExitStatus>();
     QSignalSpy ended(&process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished));
     if (!ended.wait(timeoutMs)) {
         process.kill();
@@ -50,6 +99,19 @@ ClientResult runPymodbus(QString const& script, QStringList const& arguments, in
     QStringList all{QStringLiteral("-c"), QLatin1String(pymodbusPreamble) + script};
     all += arguments;
     return runClient(QLatin1String(python), all, timeoutMs);
+}
+
+QStringList runModbusOperations(QString const& target, QStringList const& operations, double replyTimeoutS)
+{
+    QStringList arguments{target, QString::number(replyTimeoutS)};
+    arguments += operations;
+    // Enough for every operation to time out once.
+    int const timeoutMs = 10000 + static_cast<int>(replyTimeoutS * 1000) * (operations.size() + 1);
+    ClientResult const result = runPymodbus(QLatin1String(operationsScript), arguments, timeoutMs);
+    QStringList lines = outputLines(result);
+    if (!result.finished || result.exitCode != 0)
+        lines << QStringLiteral("client failed: ") + QString::fromUtf8(result.standardError);
+    return lines;
 }
 
 bool hasPymodbus()

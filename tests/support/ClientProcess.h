@@ -30,6 +30,22 @@ ClientResult runClient(QString const& program, QStringList const& arguments, int
 // The script gets `arguments` in sys.argv[1:].
 ClientResult runPymodbus(QString const& script, QStringList const& arguments = {}, int timeoutMs = 30000);
 
+// Runs pymodbus's synchronous client against one server and does the
+// operations in order, one output line each. `target` is one of
+//   "tcp:<host>:<port>:<unit>"            Modbus TCP
+//   "rtu:<serial device>:<unit>"          Modbus RTU, 9600 8N1
+//   "rtu-over-tcp:<host>:<port>:<unit>"   RTU frames over a TCP socket
+// An operation is "<name>:<address>[:<number>...]", numbers in decimal or
+// 0x hexadecimal:
+//   holding:A:N, input:A:N   read N registers: "v0 v1 ..."
+//   coils:A:N                read N coils: "0 1 ..."
+//   register:A:V             write one register (function 6): "ok"
+//   registers:A:V0:V1...     write registers (function 16): "ok"
+//   coil:A:0|1               write one coil (function 5): "ok"
+// An exception reply prints "exception <code>"; an answer the library
+// can't decode, or none, prints "error". Each client waits `replyTimeoutS`.
+QStringList runModbusOperations(QString const& target, QStringList const& operations, double replyTimeoutS = 3);
+
 // Whether runPymodbus can work here: python3 with pymodbus is installed.
 bool hasPymodbus();
 
