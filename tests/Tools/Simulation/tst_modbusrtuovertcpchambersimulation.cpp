@@ -1,0 +1,336 @@
+#include "Domain/Types/ChamberTypeData.h"
+#include "Tools/Simulation/ConsoleOutput.h"
+#include "Tools/Simulation/ModbusRtuOverTcpChamberSimulation.h"
+#include "Tools/Simulation/SimulationDevice.h"
+#include "Tools/Simulation/SimulationValueBool.h"
+#include "Tools/Simulation/SimulationValueFloat.h"
+#include "Tools/Simulation/SimulationValueInt.h"
+#include "Tools/Simulation/SimulationValueShort.h"
+#include "Tools/Simulation/SimulationValueUInt.h"
+#include "Tools/Simulation/SimulationValueUShort.h"
+#include "support/ClientProcess.h"
+#include "support/RtuOverTcp.h"
+#include "support/StreamCapture.h"
+
+#include <QtTest>
+#include <QRandomGenerator>
+#include <QTcpSocket>
+
+#include <memory>
+#include <vector>
+
+using namespace zelmor::simulation;
+using namespace zelmor::testsupport;
+using zelmor::domain::types::ChamberTypeData;
+
+namespace {
+
+constexpr int port = ModbusRtuOverTcpChamberSimulation::converterPort_;
+constexpr int slave = 5;
+
+// This binary's own loopback addresses, so that test binaries run side by side.
+QString address(int host)
+{
+    return QStringLiteral("127.0.78.%1").arg(host);
+}
+
+// A text value, which no simulated value holds.
+class TextReader : public SimulationReader
+{
+public:
+    QVariant read(int address) override { return address == 0x340 ? QVariant(QStringLiteral("abc")) : QVariant(); }
+};
+
+// Set addresses only, so that nothing depends on time.
+QSharedPointer<SimulationDevice> values(unsigned short ushortValue = 0x1234)
+{
+    auto device = QSharedPointer<SimulationDevice>::create();
+    int const none = SimulationValue::noAddress_;
+    device->add(QSharedPointer<SimulationValueFloat>::create(0.0f, 23.5f, 60.0f, 0x100, none));
+    device->add(QSharedPointer<SimulationValueUShort>::create(ushort(0), ushortValue, 60.0f, 0x200, none));
+    device->add(QSharedPointer<SimulationValueInt>::create(0, 0x11223344, 60.0f, 0x300, none));
+    device->add(QSharedPointer<SimulationValueFloat>::create(0.0f, 1.0f, 60.0f, 0x302, none));
+    device->add(QSharedPointer<SimulationValueBool>::create(false, true, 60.0f, 0x320, none));
+    device->add(QSharedPointer<SimulationValueShort>::create(short(0), short(-2), 60.0f, 0x330, none));
+    device->add(QSharedPointer<TextReader>::create());
+    device->add(QSharedPointer<SimulationValueUInt>::create(0u, 0xA1B2C3D4u, 60.0f, 0x350, none));
+    return device;
+}
+
+QSharedPointer<ChamberTypeData> kv1()
+{
+    auto type = QSharedPointer<ChamberTypeData>::create();
+    type->type = QStringLiteral("KB");
+    type->size = 240;
+    type->controller = QStringLiteral("KV1");
+    return type;
+}
+
+std::unique_ptr<ModbusRtuOverTcpChamberSimulation> chamber(int host, int modbusAddress, unsigned short value = 0x1234)
+{
+    auto made = std::make_unique<ModbusRtuOverTcpChamberSimulation>(kv1(), address(host), port, modbusAddress);
+    made->setSimulationReader(values(value));
+    return made;
+}
+
+// A data logger record as sent: index, time, four floats 22.2, three zero bytes; little-endian.
+QByteArray record(quint32 index)
+{
+    QByteArray bytes(8, Qt::Uninitialized);
+    qToLittleEndian(index, bytes.data());
+    qint64 const epoch = QDateTime(QDate(2019, 1, 1), QTime(0, 0)).toSecsSinceEpoch();
+    qToLittleEndian(quint32(epoch + 60 * index), bytes.data() + 4);
+    return bytes + QByteArray::fromHex("9A99B141").repeated(4) + QByteArray(3, '\0');
+}
+
+QByteArray hex(char const* text)
+{
+    return QByteArray::fromHex(text);
+}
+
+// Reading the float of slave 5: something every test can end with.
+QByteArray const probe = hex("050301000002");
+QByteArray const probeReply = hex("050304000041BC");
+
+bool connected(QTcpSocket& client, int host)
+{
+    client.connectToHost(address(host), port);
+    return client.waitForConnected(10000);
+}
+
+} // namespace
+
+class TestModbusRtuOverTcpChamberSimulation : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void exchange_data();
+    void exchange();
+    void loggerMinutes();
+    void crcOnTheWire();
+    void startAndAddresses();
+    void hundredSlavesWithPymodbus();
+    void twoClientsOnOneConverter();
+    void badInputHarmsNobody();
+};
+
+void TestModbusRtuOverTcpChamberSimulation::exchange_data()
+{
+    // Each request goes out as one read with its CRC; each reply (empty for
+    // silence) gets its CRC and is awaited before the next request.
+    QTest::addColumn<QByteArrayList>("requests");
+    QTest::addColumn<QByteArrayList>("replies");
+    auto bytes = [](char const* name, QByteArrayList const& requests, QByteArrayList const& replies) {
+        QTest::newRow(name) << requests << replies;
+    };
+    auto row = [&](char const* name, QList<char const*> const& requests, QList<char const*> const& replies) {
+        QByteArrayList binaryRequests;
+        QByteArrayList binaryReplies;
+        for (char const* request : requests)
+            binaryRequests << hex(request);
+        for (char const* reply : replies)
+            binaryReplies << hex(reply);
+        bytes(name, binaryRequests, binaryReplies);
+    };
+    // Slave, function, register, quantity -> slave, function, byte count, data.
+    row("float, quantity 2: b1 b0 b3 b2", {"050301000002"}, {"050304000041BC"});
+    row("float, quantity 1: its first word", {"050301000001"}, {"0503020000"});
+    row("function 4 as 3", {"050401000002"}, {"050404000041BC"});
+    row("high byte of the quantity ignored", {"05030100FF02"}, {"050304000041BC"});
+    row("unsigned short, unknown, quantity 4", {"050302000004"}, {"050308" "1234" "00000000" "0000"});
+    row("int, high byte first", {"050303000002"}, {"05030411223344"});
+    row("int and float", {"050303000004"}, {"050308" "11223344" "00003F80"});
+    row("unsigned int", {"050303500002"}, {"050304A1B2C3D4"});
+    row("bool true", {"050303200001"}, {"0503020001"});
+    row("short", {"050303300001"}, {"050302FFFE"});
+    row("text ends the read, zeros pad", {"050303400003"}, {"050306" "616263" "000000"});
+    row("unknown register 0: the int 1", {"050300000002"}, {"05030400000001"});
+    row("unknown, quantity 2: zeros", {"050304000002"}, {"05030400000000"});
+    row("unknown, quantity 4: two floats 0", {"050304000004"}, {"050308" "0000000000000000"});
+    row("table unsigned int", {"050310870002"}, {"050304FFFFFFFF"});
+    row("table float 20.1", {"050310B20002"}, {"050304CCCD41A0"});
+    row("table unsigned short", {"0503130E0001"}, {"050302003C"});
+    bytes("quantity 200: byte count 144, 400 bytes", {hex("050310B600C8")},
+          {hex("050390") + hex("00004120").repeated(100)});
+    row("quantity 0", {"050301000000"}, {"050300"});
+
+    // Slave, 6, register, word -> the same. Slave, 16, register, quantity, byte count, data -> the first six.
+    row("function 6: int takes the high word", {"050603000007", "050303000002"}, {"050603000007", "05030400070000"});
+    row("function 6: float takes the low word", {"050603024120", "050303020002"}, {"050603024120", "05030441200000"});
+    row("function 6: bool takes the low byte", {"050603200100", "050303200001", "050603200001", "050303200001"},
+        {"050603200100", "0503020000", "050603200001", "0503020001"});
+    row("function 6: short", {"05060330FFFB", "050303300001"}, {"05060330FFFB", "050302FFFB"});
+    row("function 6: unknown register echoed", {"050605000009", "050305000002"}, {"050605000009", "05030400000000"});
+    row("function 16: int and float", {"05100300000408" "AABBCCDD" "00004120", "050303000004"},
+        {"051003000004", "050308" "AABBCCDD" "00004120"});
+    row("function 16: unknown register skipped", {"051001FF000204" "9999" "ABCD", "050302000001"},
+        {"051001FF0002", "050302ABCD"});
+    row("function 16: byte count 128 writes nothing", {"05100300000280" "00000001", "050303000002"},
+        {"051003000002", "05030411223344"});
+
+    row("functions 1, 2, 5, 15: silence", {"050100000001", "050200000001", "050500000000", "050F00000001"},
+        {"", "", "", ""});
+    row("other slaves: silence", {"060301000002", "850301000002"}, {"", ""});
+
+    // Data logger records at 6500: 23 bytes each by the automatic count, 27 given out.
+    auto read = [](int quantity, QByteArray const& data) { return hex("0503") + char(quantity * 2) + data; };
+    QByteArray const records12 = hex("05036500000C");
+    bytes("logger count 0, quantity 12: one record each", {records12, records12},
+          {read(12, record(0).left(24)), read(12, record(1).left(24))});
+    bytes("logger count 0, quantity 23: two records", {hex("050365000017"), records12},
+          {read(23, (record(0) + record(1)).left(46)), read(12, record(2).left(24))});
+    bytes("logger count 3 by function 6: three records a read", {hex("0506130A0003"), hex("050365000004"), records12},
+          {hex("0506130A0003"), read(4, record(0).left(8)), read(12, record(3).left(24))});
+    bytes("logger index 100 and count 1 by function 16", {hex("05101308000306000000640001"), hex("05036500000D")},
+          {hex("051013080003"), read(13, record(100).left(26))});
+    // The table, not the logger, answers 1308 and 130A.
+    row("logger registers read from the table", {"05101308000306000000640001", "050313080002", "0503130A0002"},
+        {"051013080003", "05030400000001", "05030400000001"});
+}
+
+void TestModbusRtuOverTcpChamberSimulation::exchange()
+{
+    QFETCH(QByteArrayList, requests);
+    QFETCH(QByteArrayList, replies);
+    auto const slaveFive = chamber(1, slave);
+    // 85 as a signed byte is -123: this slave never answers.
+    auto const slave133 = chamber(1, 133);
+    QTcpSocket client;
+    QVERIFY(connected(client, 1));
+    for (int i = 0; i < requests.size(); ++i) {
+        QVERIFY(deliver(client, withCrc(requests.at(i))));
+        if (!replies.at(i).isEmpty())
+            QCOMPARE(receive(client, replies.at(i).size() + 2).toHex(), withCrc(replies.at(i)).toHex());
+    }
+    // Nothing else came: the next bytes are the probe's reply.
+    QVERIFY(deliver(client, withCrc(probe)));
+    QCOMPARE(receive(client, probeReply.size() + 2).toHex(), withCrc(probeReply).toHex());
+}
+
+void TestModbusRtuOverTcpChamberSimulation::loggerMinutes()
+{
+    // 1310 and 1312 count whole minutes since 2019-01-01 00:00 local time;
+    // at quantity 4 both come from the rule of the start register.
+    auto const slaveFive = chamber(2, slave);
+    QTcpSocket client;
+    QVERIFY(connected(client, 2));
+    QDateTime const epoch(QDate(2019, 1, 1), QTime(0, 0));
+    quint32 const before = quint32(epoch.secsTo(QDateTime::currentDateTime()) / 60);
+    QVERIFY(deliver(client, withCrc(hex("050313100004"))));
+    QByteArray const reply = receive(client, 3 + 8 + 2);
+    quint32 const after = quint32(epoch.secsTo(QDateTime::currentDateTime()) / 60);
+    QCOMPARE(reply.left(3), hex("050308"));
+    QCOMPARE(reply, withCrc(reply.left(11)));
+    quint32 const minutes = qFromBigEndian<quint32>(reply.constData() + 3);
+    QVERIFY2(minutes == before || minutes == after, QByteArray::number(minutes).constData());
+    QCOMPARE(reply.mid(7, 4), reply.mid(3, 4));
+}
+
+void TestModbusRtuOverTcpChamberSimulation::crcOnTheWire()
+{
+    // Frames as they are, CRC written out; what the chamber doesn't check goes through.
+    auto const slaveFive = chamber(3, slave);
+    QTcpSocket client;
+    QVERIFY(connected(client, 3));
+    QByteArray const reply = hex("050304000041BC8E12");
+    QVERIFY(deliver(client, hex("050301000002C473")));
+    QCOMPARE(receive(client, reply.size()).toHex(), reply.toHex());
+    // A wrong CRC goes unnoticed.
+    QVERIFY(deliver(client, hex("0503010000020000")));
+    QCOMPARE(receive(client, reply.size()).toHex(), reply.toHex());
+    // Seven bytes are too short; two frames in one read: only the first counts.
+    QVERIFY(deliver(client, hex("050301000002C4")));
+    QVERIFY(deliver(client, hex("050301000002C473" "050302000001" "0000")));
+    QCOMPARE(receive(client, reply.size()).toHex(), reply.toHex());
+    // A frame split over two reads: both halves are too short.
+    QVERIFY(deliver(client, hex("05030100")));
+    QVERIFY(deliver(client, hex("0002C473")));
+    QVERIFY(deliver(client, hex("050301000002C473")));
+    QCOMPARE(receive(client, reply.size()).toHex(), reply.toHex());
+    QCOMPARE(client.readAll(), QByteArray());
+}
+
+void TestModbusRtuOverTcpChamberSimulation::startAndAddresses()
+{
+    StreamCapture console(consoleOutput());
+    auto const made = chamber(4, 77);
+    QVERIFY(made->start());
+    QCOMPARE(console.text(), QByteArray("Start Modbus RTU over TCP simulation KB 240 on 127.0.78.4 Modbus Address: 77\r\n"));
+    QCOMPARE(made->getProtocolId(), 2);
+    QCOMPARE(made->getIpAddress(), address(4));
+    QCOMPARE(made->getModbusAddress(), 77);
+    QCOMPARE(made->getModbusAdr(), 77);
+}
+
+void TestModbusRtuOverTcpChamberSimulation::hundredSlavesWithPymodbus()
+{
+    if (!hasPymodbus())
+        QSKIP("python3 with pymodbus is not installed");
+    // Slave n holds 1000 + n at 200; all answer on the same converter.
+    std::vector<std::unique_ptr<ModbusRtuOverTcpChamberSimulation>> slaves;
+    for (int modbusAddress = 1; modbusAddress <= 100; ++modbusAddress)
+        slaves.push_back(chamber(5, modbusAddress, ushort(1000 + modbusAddress)));
+    ClientResult const result = runPymodbus(QStringLiteral(R"(
+client = ModbusTcpClient(sys.argv[1], port=10001, framer=ModbusRtuFramer, timeout=2, retries=0)
+assert client.connect()
+print(sum(client.read_holding_registers(0x200, 1, slave=n).registers[0] == 1000 + n for n in range(1, 101)))
+print(client.read_input_registers(0x100, 2, slave=7).registers)
+print(client.write_register(0x300, 7, slave=8).isError(), client.read_holding_registers(0x300, 2, slave=8).registers)
+print(client.write_registers(0x300, [0xAABB, 0xCCDD], slave=9).isError(),
+      client.read_holding_registers(0x300, 2, slave=9).registers)
+print(client.read_holding_registers(0x300, 2, slave=10).registers)
+)"), {address(5)});
+    QVERIFY2(result.finished && result.exitCode == 0, result.standardError.constData());
+    QCOMPARE(outputLines(result), (QStringList{QStringLiteral("100"), QStringLiteral("[0, 16828]"),
+                                               QStringLiteral("False [7, 0]"), QStringLiteral("False [43707, 52445]"),
+                                               QStringLiteral("[4386, 13124]")}));
+}
+
+void TestModbusRtuOverTcpChamberSimulation::twoClientsOnOneConverter()
+{
+    auto const slaveFive = chamber(6, slave, 0x5555);
+    auto const slaveSix = chamber(6, 6, 0x6666);
+    QTcpSocket first;
+    QTcpSocket second;
+    QVERIFY(connected(first, 6));
+    QVERIFY(connected(second, 6));
+    QVERIFY(deliver(first, withCrc(hex("050302000001"))));
+    QVERIFY(deliver(second, withCrc(hex("060302000001"))));
+    QVERIFY(deliver(second, withCrc(hex("050302000001"))));
+    QCOMPARE(receive(first, 7).toHex(), withCrc(hex("0503025555")).toHex());
+    QCOMPARE(receive(second, 14).toHex(), (withCrc(hex("0603026666")) + withCrc(hex("0503025555"))).toHex());
+    QCOMPARE(first.readAll() + second.readAll(), QByteArray());
+}
+
+void TestModbusRtuOverTcpChamberSimulation::badInputHarmsNobody()
+{
+    // Nothing here may read: a read without progress would never end. So no
+    // random byte is 64, the slave's address, and the frames for it write.
+    auto const target = chamber(7, 0x64);
+    QRandomGenerator generator(4711);
+    QByteArray noise(64 * 1024, Qt::Uninitialized);
+    for (char& byte : noise)
+        byte = char(generator.bounded(0x65, 0x164));
+    QTcpSocket attacker;
+    QVERIFY(connected(attacker, 7));
+    QVERIFY(deliver(attacker, noise));
+    for (int i = 0; i < 100; ++i) {
+        QByteArray frame = hex(i % 2 ? "6406" : "6410");
+        for (int size = generator.bounded(0, 40); size > 0; --size)
+            frame += char(generator.bounded(256));
+        QVERIFY(deliver(attacker, frame));
+    }
+    // Frames cut short, one of them with a byte count beyond its end.
+    for (QByteArray const& frame : {hex("6403010000"), hex("64100300000408"), hex("6410030000040811")})
+        QVERIFY(deliver(attacker, frame));
+    // Register 0 is unknown to the reader: the table's int 1, whatever was written.
+    QByteArray const reply = withCrc(hex("64030400000001"));
+    QVERIFY(deliver(attacker, withCrc(hex("640300000002"))));
+    QByteArray received;
+    QVERIFY(QTest::qWaitFor([&] { return (received += attacker.readAll()).endsWith(reply); }, 10000));
+}
+
+QTEST_GUILESS_MAIN(TestModbusRtuOverTcpChamberSimulation)
+
+#include "tst_modbusrtuovertcpchambersimulation.moc"
