@@ -4,6 +4,7 @@
 
 #include <QModbusRtuSerialSlave>
 #include <QSerialPort>
+#include <QSignalBlocker>
 #include <QStringList>
 
 #include <cstring>
@@ -84,6 +85,9 @@ void ModbusChamberSimulation::timerEvent(QTimerEvent*)
 {
     if (!simulationReader)
         return;
+    // Qt signals dataWritten for every change of a table, ours too; only a
+    // client's write is to go back to the reader.
+    QSignalBlocker const copying(device);
     int address = 0;
     while (address < tableSize_) {
         QVariant const value = simulationReader->read(address);
