@@ -3,9 +3,10 @@
 // read the row), against the same statement run through the sqlcipher C API
 // in a prepare-once, bind/step/reset loop on the same connection.
 //
-// Usage: bench_sqlcipher_driver [statements per round] [profile]
-// (default 50000 statements; "profile" runs only the connection-layer pattern
-// inside one transaction, for a profiler)
+// Usage: bench_sqlcipher_driver [statements per round] [layer|capi]
+// Default 50000 statements. "layer" or "capi" runs only that path, once,
+// inside one transaction: for a profiler, or for counting instructions with
+// callgrind (run with N and 2N statements, take the difference over N).
 
 #include "SqlCipherDriver/SqlCipherDriver.h"
 
@@ -71,16 +72,19 @@ bool createTable(QSqlDatabase& db)
     return db.commit();
 }
 
-// Nanoseconds per statement, best of several rounds.
-double best(int statements, const std::function<void(int)>& oneRound)
+// Nanoseconds per statement for each variant, best of several rounds. The
+// variants take turns in each round, so that a busy machine hits all alike.
+std::vector<double> best(int statements, const std::vector<std::function<void(int)>>& variants)
 {
-    double bestNs = 0;
+    std::vector<double> bestNs(variants.size(), 0);
     for (int round = 0; round < rounds; ++round) {
-        QElapsedTimer timer;
-        timer.start();
-        oneRound(round);
-        const double ns = double(timer.nsecsElapsed()) / statements;
-        bestNs = round == 0 ? ns : std::min(bestNs, ns);
+        for (size_t i = 0; i < variants.size(); ++i) {
+            QElapsedTimer timer;
+            timer.start();
+            variants[i](round);
+            const double ns = double(timer.nsecsElapsed()) / statements;
+            bestNs[i] = round == 0 ? ns : std::min(bestNs[i], ns);
+        }
     }
     return bestNs;
 }
@@ -116,7 +120,7 @@ int main(int argc, char** argv)
     sqlite3* handle = static_cast<const SqlCipherDriver*>(db.driver())->nativeHandle();
 
     // As the connection layer does it: look the connection up, a new query
-    // object, prepare, bind, exec, rows of value(i) up to record().count().
+    // object, prepare, bind, exec, record().count() once, rows of value(i).
     const auto layerRound = [&](int) {
         for (const int id : ids) {
             QSqlQuery query(QSqlDatabase::database(QLatin1String(connectionName), true));
@@ -125,9 +129,9 @@ int main(int argc, char** argv)
             query.addBindValue(id);
             query.exec();
             QList<QList<QVariant>> rows;
+            const int columns = query.record().count();
             while (query.next()) {
                 QList<QVariant> row;
-                const int columns = query.record().count();
                 for (int column = 0; column < columns; ++column)
                     row.append(query.value(column));
                 rows.append(row);
@@ -171,9 +175,12 @@ int main(int argc, char** argv)
         }
     };
 
-    if (argc > 2 && qstrcmp(argv[2], "profile") == 0) {
+    if (argc > 2) {
         sqlite3_exec(handle, "BEGIN", nullptr, nullptr, nullptr);
-        out << "profile: " << best(statements, layerRound) / 1000 << " us/statement\n";
+        if (qstrcmp(argv[2], "layer") == 0)
+            layerRound(0);
+        else
+            cRound(0);
         sqlite3_exec(handle, "COMMIT", nullptr, nullptr, nullptr);
         sqlite3_finalize(statement);
         return 0;
@@ -181,27 +188,30 @@ int main(int argc, char** argv)
 
     // Each statement on its own: the engine opens and ends a read transaction
     // per statement, which costs it a handful of file system calls.
-    const double layerNs = best(statements, layerRound);
-    const double reusedNs = best(statements, reusedRound);
-    const double cNs = best(statements, cRound);
+    const std::vector<double> autocommit = best(statements, {layerRound, reusedRound, cRound});
+    const double layerNs = autocommit[0];
+    const double reusedNs = autocommit[1];
+    const double cNs = autocommit[2];
 
     // All statements inside one open transaction: no file access per
     // statement, so what is left is the CPU cost of each path.
     sqlite3_exec(handle, "BEGIN", nullptr, nullptr, nullptr);
-    const double layerInTxNs = best(statements, layerRound);
-    const double reusedInTxNs = best(statements, reusedRound);
-    const double cInTxNs = best(statements, cRound);
+    const std::vector<double> inTransaction = best(statements, {layerRound, reusedRound, cRound});
+    const double layerInTxNs = inTransaction[0];
+    const double reusedInTxNs = inTransaction[1];
+    const double cInTxNs = inTransaction[2];
     sqlite3_exec(handle, "COMMIT", nullptr, nullptr, nullptr);
     sqlite3_finalize(statement);
 
     // New query object and prepare only (the statement comes from the cache).
-    const double prepareNs = best(statements, [&](int) {
-        for (int i = 0; i < statements; ++i) {
-            QSqlQuery query(db);
-            query.setForwardOnly(true);
-            checksum += query.prepare(QLatin1String(selectText));
-        }
-    });
+    const double prepareNs = best(statements, {[&](int) {
+                                      for (int i = 0; i < statements; ++i) {
+                                          QSqlQuery query(db);
+                                          query.setForwardOnly(true);
+                                          checksum += query.prepare(QLatin1String(selectText));
+                                      }
+                                  }})
+                                 .front();
 
     const auto us = [](double ns) { return QString::number(ns / 1000, 'f', 2); };
     const auto ratio = [](double a, double b) { return QString::number(a / b, 'f', 2); };
