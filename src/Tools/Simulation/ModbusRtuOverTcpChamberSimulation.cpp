@@ -97,8 +97,11 @@ ModbusRtuOverTcpChamberSimulation::ModbusRtuOverTcpChamberSimulation(
     , loggerEpoch(QDate(2019, 1, 1), QTime(0, 0), Qt::LocalTime)
 {
     // Direct: the answer must be written while the converter handles the frame.
-    connect(converter, &ModbusOverTcpServer::dataReceived, this, &ModbusRtuOverTcpChamberSimulation::dataReceived,
-            Qt::DirectConnection);
+    // By name, not by address: every frame reaches all chambers of the
+    // converter, and a connection by address takes and drops a reference
+    // (two locked operations) for each of them, which doubles what a chamber
+    // that doesn't answer costs.
+    connect(converter, SIGNAL(dataReceived(QByteArray)), this, SLOT(dataReceived(QByteArray)), Qt::DirectConnection);
 }
 
 ModbusRtuOverTcpChamberSimulation::~ModbusRtuOverTcpChamberSimulation() = default;

@@ -54,6 +54,7 @@ public:
     int getModbusAddress() const override;
     int getModbusAdr() const;
 
+public slots:
     /// One frame as the converter got it. Answers through the converter's
     /// write() before returning, or not at all.
     void dataReceived(QByteArray const& data);
