@@ -19,6 +19,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTemporaryDir>
@@ -486,7 +487,8 @@ int main(int argc, char** argv)
     const qint64 bulkNs = bulkRead(file, rounds, bulkRows);
 
     out << "Chamber type catalogue: " << types << " types x " << signalsPerType << " signals, "
-        << "generated in " << QString::number(ms(generationNs), 'f', 0) << " ms; best of " << rounds << " rounds"
+        << QFileInfo(file).size() / 1024 << " KiB, generated in " << QString::number(ms(generationNs), 'f', 0)
+        << " ms; best of " << rounds << " rounds"
         << (exclusive ? ", exclusive locking mode" : "") << '\n';
     out << "  getAllChamberTypeData(true)   " << QString::number(ms(allNs), 'f', 1) << " ms, " << allStatements
         << " statements, " << QString::number(double(allNs) / 1000 / std::max<qint64>(1, allStatements), 'f', 2)
