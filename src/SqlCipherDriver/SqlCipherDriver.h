@@ -33,10 +33,14 @@ class SqlCipherStatementCache;
 // invalid QVariant. Bound QDateTime values are stored as ISO-8601 text in UTC
 // with milliseconds, QDate and QTime as ISO-8601 text; bool as 0 or 1; a
 // qulonglong above the signed range keeps its bits (read it back with
-// toULongLong()). size() of a result is always -1.
+// toULongLong()). size() of a result is always -1; numRowsAffected() counts
+// the rows the statement itself changed (-1 for a SELECT); lastInsertId() is
+// valid only after an INSERT or REPLACE that added a row.
 //
-// Prepared statements are kept per connection by their SQL text and reused by
-// later results with the same text. Use on the thread that opened it.
+// Prepared statements are kept per connection by their SQL text (at most 64
+// idle ones) and reused by later results with the same text; pragmas and
+// texts with several statements (allowed in exec(), not in prepare()) are not
+// kept. Use on the thread that opened it.
 class SqlCipherDriver : public QSqlDriver
 {
     Q_OBJECT
