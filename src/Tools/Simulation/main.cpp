@@ -3,6 +3,7 @@
 #include "Tools/Simulation/ChamberFleet.h"
 #include "Tools/Simulation/ChamberSimulation.h"
 #include "Tools/Simulation/ConsoleOutput.h"
+#include "Tools/Simulation/EpollEventDispatcher.h"
 #include "Tools/Simulation/XmlSimulationReader.h"
 
 #include <QApplication>
@@ -78,6 +79,24 @@ void raiseOpenFileLimit()
     setrlimit(RLIMIT_NOFILE, &limit);
 }
 
+// Qt's own dispatchers poll every socket on every wake-up, so that with a
+// fleet each request costs in proportion to the number of chambers. Without
+// windows nothing needs them; a platform with windows keeps its own for the
+// window system's events. ZELMOR_EVENT_DISPATCHER=qt keeps Qt's in any case.
+void installFleetEventDispatcher()
+{
+    QByteArray const platform = qgetenv("QT_QPA_PLATFORM");
+    bool const windowless = platform.startsWith("offscreen") || platform.startsWith("minimal");
+    if (!windowless || qgetenv("ZELMOR_EVENT_DISPATCHER") == "qt")
+        return;
+    auto* const dispatcher = new zelmor::simulation::EpollEventDispatcher;
+    if (!dispatcher->isValid()) {
+        delete dispatcher;
+        return;
+    }
+    QCoreApplication::setEventDispatcher(dispatcher);
+}
+
 void printUsage()
 {
     QTextStream& console = consoleOutput();
@@ -114,6 +133,7 @@ int main(int argc, char* argv[])
     chooseWindowlessPlatform();
     keepLocalTimeCheap();
     raiseOpenFileLimit();
+    installFleetEventDispatcher();
 
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling, true);
     QApplication application(argc, argv);
