@@ -44,7 +44,11 @@ void TlxBroadCastSimulation::readUdpData()
         return;
     QHostAddress const sender = request.senderAddress();
     int const senderPort = request.senderPort();
-    QByteArray const content = request.data();
+    QByteArray content = request.data();
+    // Printed up to a NUL byte.
+    int const nul = content.indexOf('\0');
+    if (nul >= 0)
+        content.truncate(nul);
     QString const senderText = sender.toString();
     QString const senderPortText = QString::number(senderPort);
 
@@ -52,7 +56,7 @@ void TlxBroadCastSimulation::readUdpData()
     // Every arg() in one pass, so that a '%' in the request or a type text is
     // printed as it is and not taken for a place holder.
     console << QStringLiteral("UDP Request %1 from %2:%3\r\n")
-                   .arg(QString::fromUtf8(content.left(content.indexOf('\0'))), senderText, senderPortText);
+                   .arg(QString::fromUtf8(content), senderText, senderPortText);
 
     QString const reply = QLatin1String(replyPattern)
                               .arg(socket->localAddress().toString(), QLatin1String(replyPort),

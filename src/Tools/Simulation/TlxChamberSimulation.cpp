@@ -40,8 +40,6 @@ int addressOf(QString const& identifier)
 
 } // namespace
 
-constexpr char TlxChamberSimulation::defaultIpAddress_[];
-
 TlxChamberSimulation::TlxChamberSimulation(QSharedPointer<domain::types::ChamberTypeData> chamberType)
     : TlxChamberSimulation(std::move(chamberType), QLatin1String(defaultIpAddress_), defaultPort_)
 {
