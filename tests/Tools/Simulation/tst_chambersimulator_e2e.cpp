@@ -406,7 +406,7 @@ void TestChamberSimulatorEndToEnd::commandLine_data()
     QTest::addColumn<bool>("keepsRunning");     // else it ends, with the exit code
     QTest::addColumn<int>("exitCode");
     QTest::addColumn<QByteArray>("output");     // all of standard output; "%1" as above
-    QTest::addColumn<int>("probeHost");         // a link test there, when not 0
+    QTest::addColumn<int>("probeHost"); // a link test there when above 0, an unknown address when below
 
     QString const inDefault = QStringLiteral("database/configuration.sqlite3");
     QString const elsewhere = QStringLiteral("elsewhere/catalogue.sqlite3");
@@ -443,6 +443,11 @@ void TestChamberSimulatorEndToEnd::commandLine_data()
         << QStringList{"-mtlx", "-i127.0.57.27"} << inDefault << noIni << true << 0 << readingDefault << 0;
     QTest::newRow("-n0: instances, none") << QStringList{"-n0", "-i127.0.57.28"} << inDefault << noIni << true << 0
                                           << readingDefault << 0;
+    // The value file reader replaces the catalogue's reader before start();
+    // a file that can't be read answers 0 for every address.
+    QTest::newRow("-x on a missing value file")
+        << QStringList{"tlx", "-i127.0.57.32", "-x/nonexistent-zelmor/values.xml"} << inDefault << noIni << true << 0
+        << readingDefault + type1Signals + startLine("HX 60 Z6", 32) << -32;
     QTest::newRow("-n without local address in the subnet")
         << QStringList{"-n5", "tlx", "-i127.0.57.29"} << inDefault << noIni << true << 0 << readingDefault << 0;
     // A wrong key opens; the catalogue then reads nothing, so no type fits.
@@ -489,10 +494,15 @@ void TestChamberSimulatorEndToEnd::commandLine()
         return;
     }
     QVERIFY2(simulator.waitForOutput(output), simulator.standardError().constData());
-    if (probeHost != 0) {
+    if (probeHost > 0) {
         TlxClient tlx;
         QVERIFY(tlx.connectTo(address(probeHost)));
         QCOMPARE(tlx.request(linkTest).frame, linkAnswer);
+        output += "Connect TLX simulation \r\n";
+    } else if (probeHost < 0) {
+        TlxClient tlx;
+        QVERIFY(tlx.connectTo(address(-probeHost)));
+        QCOMPARE(tlx.request("CANIDGetValue:12345678\r\n").frame, QByteArray("26\r\nCANIDGetValue:12345678:0\r\n"));
         output += "Connect TLX simulation \r\n";
     }
     QVERIFY(simulator.waitUntilIdle());
