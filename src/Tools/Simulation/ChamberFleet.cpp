@@ -5,6 +5,9 @@
 #include "Tools/Simulation/ConsoleOutput.h"
 #include "Tools/Simulation/Kv1ProgramOption.h"
 #include "Tools/Simulation/Kv2ProgramOption.h"
+#include "Tools/Simulation/ModbusChamberSimulation.h"
+#include "Tools/Simulation/ModbusRtuOverTcpChamberSimulation.h"
+#include "Tools/Simulation/ModbusTcpChamberSimulation.h"
 #include "Tools/Simulation/Pl4ProgramOption.h"
 #include "Tools/Simulation/SimulationDevice.h"
 #include "Tools/Simulation/SimulationSignal.h"
@@ -77,16 +80,14 @@ QSharedPointer<ChamberTypeData> copyOf(ChamberTypeData const& type)
 // a new converter on the address it was asked for.
 QSharedPointer<ChamberSimulation> createTunnelledChamber(ChamberTypeData const& type, QString const& ipAddress)
 {
-    Q_UNUSED(type)
     if (currentModbusConverterIpAddress.isEmpty())
         currentModbusConverterIpAddress = ipAddress;
     if (currentModbusConverterModbusAdr > slavesPerConverter) {
         currentModbusConverterModbusAdr = 1;
         currentModbusConverterIpAddress = ipAddress;
     }
-    QSharedPointer<ChamberSimulation> chamber;
-    // ModbusRtuOverTcpChamberSimulation(copyOf(type), currentModbusConverterIpAddress, converterPort,
-    // currentModbusConverterModbusAdr) goes here.
+    QSharedPointer<ChamberSimulation> const chamber = QSharedPointer<ModbusRtuOverTcpChamberSimulation>::create(
+        copyOf(type), currentModbusConverterIpAddress, converterPort, currentModbusConverterModbusAdr);
     ++currentModbusConverterModbusAdr;
     return chamber;
 }
@@ -96,7 +97,7 @@ QSharedPointer<ChamberSimulation> createChamber(ChamberTypeData const& type, QSt
     QSharedPointer<ChamberSimulation> chamber;
     if (type.controller == QLatin1String(kv2Controller)) {
         if (type.protocols.contains(domain::types::MODBUS_TCP)) {
-            // ModbusTcpChamberSimulation(copyOf(type), ipAddress) goes here.
+            chamber = QSharedPointer<ModbusTcpChamberSimulation>::create(copyOf(type), ipAddress);
         } else if (type.protocols.contains(domain::types::MODBUS_RTU_TUNNEL)) {
             chamber = createTunnelledChamber(type, ipAddress);
         }
@@ -109,7 +110,7 @@ QSharedPointer<ChamberSimulation> createChamber(ChamberTypeData const& type, QSt
         if (type.protocols.contains(domain::types::MODBUS_RTU_TUNNEL) && dottedAddress.indexIn(ipAddress) != -1) {
             chamber = createTunnelledChamber(type, ipAddress);
         } else if (type.protocols.contains(domain::types::MODBUS_RTU) && comPort.indexIn(ipAddress) != -1) {
-            // ModbusChamberSimulation(copyOf(type), ipAddress) goes here.
+            chamber = QSharedPointer<ModbusChamberSimulation>::create(copyOf(type), ipAddress);
         }
     }
     return chamber;

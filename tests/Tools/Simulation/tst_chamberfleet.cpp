@@ -1,17 +1,29 @@
 // The class choice and the reader that the fleet construction builds for a
-// chamber type, on hand-made types and this binary's addresses 127.0.58.x.
+// chamber type, on hand-made types and this binary's addresses 127.0.58.x
+// (tunnelled chambers open their converters there on port 10001).
 
 #include "Domain/Types/ChamberTypeData.h"
 #include "Domain/Types/ControllerAddress.h"
 #include "Tools/Simulation/ChamberFleet.h"
 #include "Tools/Simulation/ConsoleOutput.h"
+#include "Tools/Simulation/Kv1ProgramOption.h"
+#include "Tools/Simulation/Kv2ProgramOption.h"
+#include "Tools/Simulation/ModbusChamberSimulation.h"
+#include "Tools/Simulation/ModbusRtuOverTcpChamberSimulation.h"
+#include "Tools/Simulation/ModbusTcpChamberSimulation.h"
+#include "Tools/Simulation/Pl4ProgramOption.h"
+#include "Tools/Simulation/SimulationDevice.h"
 #include "Tools/Simulation/SimulationReader.h"
+#include "Tools/Simulation/SimulationSignal.h"
 #include "Tools/Simulation/TlxChamberSimulation.h"
+#include "support/RtuOverTcp.h"
 
 #include <QBuffer>
+#include <QTcpSocket>
 #include <QtTest>
 
 using namespace zelmor::simulation;
+using namespace zelmor::testsupport;
 using zelmor::domain::types::ChamberProtocol;
 using zelmor::domain::types::ChamberSignal;
 using zelmor::domain::types::ChamberTypeData;
@@ -117,36 +129,69 @@ class TestChamberFleet : public QObject
     Q_OBJECT
 
 private slots:
+    void init();
     void classChoice_data();
     void classChoice();
+    void hundredSlavesOnAConverter();
+    void programImage_data();
+    void programImage();
     void readerOfAType_data();
     void readerOfAType();
     void controlWordsTakeWritesAtOnce();
     void chambersOfOneTypeShareNothing();
 };
 
+void TestChamberFleet::init()
+{
+    // Each test starts a run of its own: no converter being filled.
+    currentModbusConverterIpAddress.clear();
+    currentModbusConverterModbusAdr = 1;
+}
+
 void TestChamberFleet::classChoice_data()
 {
     QTest::addColumn<QString>("controller");
     QTest::addColumn<QList<int>>("protocols");
     QTest::addColumn<QString>("address");
-    QTest::addColumn<bool>("tlx");
+    QTest::addColumn<int>("protocolId"); // 0: no chamber
+    QTest::addColumn<QString>("served"); // what getIpAddress() reports
 
     using namespace zelmor::domain::types;
-    QTest::newRow("TLX") << "TLX" << QList<int>{TLX} << "127.0.58.1" << true;
-    QTest::newRow("TLX, protocols not looked at") << "TLX" << QList<int>{MODBUS_TCP} << "127.0.58.2"
-                                                  << true;
-    QTest::newRow("TLX without protocols") << "TLX" << QList<int>{} << "127.0.58.3" << true;
-    QTest::newRow("tlx in lower case") << "tlx" << QList<int>{TLX} << "127.0.58.4" << false;
-    QTest::newRow("KV2 on a serial line only") << "KV2" << QList<int>{MODBUS_RTU} << "COM3:1" << false;
-    QTest::newRow("Q3 with Modbus TCP only") << "Q3" << QList<int>{MODBUS_TCP} << "127.0.58.5" << false;
-    QTest::newRow("tunnelled only, on a COM port") << "Q4" << QList<int>{MODBUS_RTU_TUNNEL} << "COM1:1"
-                                                   << false;
-    QTest::newRow("serial only, on a dotted address")
-        << "KV1" << QList<int>{MODBUS_RTU} << "127.0.58.6" << false;
-    QTest::newRow("PL3 builds nothing") << "PL3" << QList<int>{MODBUS_RTU, MODBUS_RTU_TUNNEL}
-                                        << "127.0.58.7" << false;
-    QTest::newRow("no controller") << "" << QList<int>{TLX} << "127.0.58.8" << false;
+    QTest::newRow("TLX") << "TLX" << QList<int>{TLX} << "127.0.58.1" << 4 << "127.0.58.1";
+    QTest::newRow("TLX, protocols not looked at") << "TLX" << QList<int>{MODBUS_TCP} << "127.0.58.2" << 4
+                                                  << "127.0.58.2";
+    QTest::newRow("TLX without protocols") << "TLX" << QList<int>{} << "127.0.58.3" << 4 << "127.0.58.3";
+    QTest::newRow("tlx in lower case") << "tlx" << QList<int>{TLX} << "127.0.58.4" << 0 << "";
+    QTest::newRow("KV2 with Modbus TCP") << "KV2" << QList<int>{MODBUS_TCP} << "127.0.58.20" << 3 << "127.0.58.20";
+    QTest::newRow("KV2 with both: Modbus TCP wins")
+        << "KV2" << QList<int>{MODBUS_RTU_TUNNEL, MODBUS_TCP} << "127.0.58.21" << 3 << "127.0.58.21";
+    QTest::newRow("KV2 tunnelled") << "KV2" << QList<int>{MODBUS_RTU_TUNNEL} << "127.0.58.22" << 2 << "127.0.58.22";
+    // The address is not looked at for KV2: no dotted address needed.
+    QTest::newRow("KV2 tunnelled on any text") << "KV2" << QList<int>{MODBUS_RTU_TUNNEL} << "COM3:1" << 2 << "COM3:1";
+    QTest::newRow("KV2 on a serial line only") << "KV2" << QList<int>{MODBUS_RTU} << "COM3:1" << 0 << "";
+    QTest::newRow("KV1 serial or tunnelled, on a COM port")
+        << "KV1" << QList<int>{MODBUS_RTU, MODBUS_RTU_TUNNEL} << "COM3:1" << 1 << "";
+    QTest::newRow("KV1 serial or tunnelled, on a dotted address")
+        << "KV1" << QList<int>{MODBUS_RTU, MODBUS_RTU_TUNNEL} << "10.0.0.1" << 2 << "10.0.0.1";
+    // Both expressions search the text, they don't match it whole.
+    QTest::newRow("COM port found inside a path")
+        << "KV1" << QList<int>{MODBUS_RTU} << "/tmp/ports/COM3:12" << 1 << "";
+    QTest::newRow("dotted address found inside a text")
+        << "Q3.1" << QList<int>{MODBUS_RTU_TUNNEL} << "host 127.0.58.23 x" << 2 << "host 127.0.58.23 x";
+    // One digit only between "COM" and the colon.
+    QTest::newRow("COM port of two digits") << "KV1" << QList<int>{MODBUS_RTU} << "COM63:1" << 0 << "";
+    QTest::newRow("COM port without slave") << "Q4" << QList<int>{MODBUS_RTU} << "COM3" << 0 << "";
+    QTest::newRow("Q3 tunnelled") << "Q3" << QList<int>{MODBUS_RTU_TUNNEL} << "127.0.58.24" << 2 << "127.0.58.24";
+    QTest::newRow("Q3.2 tunnelled") << "Q3.2" << QList<int>{MODBUS_RTU_TUNNEL, MODBUS_ADDRESSED_SERIAL} << "127.0.58.25"
+                                    << 2 << "127.0.58.25";
+    QTest::newRow("PL4 tunnelled") << "PL4" << QList<int>{MODBUS_RTU_TUNNEL} << "127.0.58.26" << 2 << "127.0.58.26";
+    QTest::newRow("Q4 serial") << "Q4" << QList<int>{MODBUS_RTU} << "COM4:2" << 1 << "";
+    QTest::newRow("Q3 with Modbus TCP only") << "Q3" << QList<int>{MODBUS_TCP} << "127.0.58.5" << 0 << "";
+    QTest::newRow("tunnelled only, on a COM port") << "Q4" << QList<int>{MODBUS_RTU_TUNNEL} << "COM1:1" << 0 << "";
+    QTest::newRow("serial only, on a dotted address") << "KV1" << QList<int>{MODBUS_RTU} << "127.0.58.6" << 0 << "";
+    QTest::newRow("PL3 builds nothing") << "PL3" << QList<int>{MODBUS_RTU, MODBUS_RTU_TUNNEL} << "127.0.58.7" << 0
+                                        << "";
+    QTest::newRow("no controller") << "" << QList<int>{TLX} << "127.0.58.8" << 0 << "";
 }
 
 void TestChamberFleet::classChoice()
@@ -154,7 +199,8 @@ void TestChamberFleet::classChoice()
     QFETCH(QString, controller);
     QFETCH(QList<int>, protocols);
     QFETCH(QString, address);
-    QFETCH(bool, tlx);
+    QFETCH(int, protocolId);
+    QFETCH(QString, served);
     ChamberTypeData type;
     type.type = QStringLiteral("HX");
     type.size = 60;
@@ -164,17 +210,112 @@ void TestChamberFleet::classChoice()
 
     ConsoleCapture console;
     QSharedPointer<ChamberSimulation> const chamber = getSimulationByChamberConfigId(type, address);
-    QCOMPARE(!chamber.dynamicCast<TlxChamberSimulation>().isNull(), tlx);
-    QCOMPARE(chamber.isNull(), !tlx);
-    if (!tlx)
+    QCOMPARE(chamber.isNull(), protocolId == 0);
+    if (!chamber)
         return;
-    QCOMPARE(chamber->getIpAddress(), address);
-    QCOMPARE(chamber->getProtocolId(), 4);
-    QCOMPARE(chamber->getModbusAddress(), 0);
+    QCOMPARE(chamber->getProtocolId(), protocolId);
+    bool const rightClass = (protocolId == 1 && chamber.dynamicCast<ModbusChamberSimulation>())
+        || (protocolId == 2 && chamber.dynamicCast<ModbusRtuOverTcpChamberSimulation>())
+        || (protocolId == 3 && chamber.dynamicCast<ModbusTcpChamberSimulation>())
+        || (protocolId == 4 && chamber.dynamicCast<TlxChamberSimulation>());
+    QVERIFY(rightClass);
+    QCOMPARE(chamber->getIpAddress(), served);
+    // The first tunnelled chamber of a run opens a converter on its address, as slave 1.
+    QCOMPARE(chamber->getModbusAddress(), protocolId == 2 ? 1 : 0);
     QVERIFY(chamber->getSimulationReader());
     // Its own copy of the type.
     QVERIFY(chamber->getChamberType().data() != &type);
     QCOMPARE(chamber->getChamberType()->getQualifiedTypeName(), QStringLiteral("HX 60"));
+    if (protocolId == 1) {
+        auto const serial = chamber.staticCast<ModbusChamberSimulation>();
+        QCOMPARE(serial->getSerialPortName() + ':' + QString::number(serial->getServerAddress()), address);
+    }
+}
+
+// Up to 100 tunnelled chambers share one converter, whatever address each
+// was asked for; the 101st opens a converter on its own address as slave 1.
+void TestChamberFleet::hundredSlavesOnAConverter()
+{
+    ChamberTypeData type;
+    type.controller = QStringLiteral("Q3");
+    type.protocols = {zelmor::domain::types::MODBUS_RTU_TUNNEL};
+    ConsoleCapture console;
+    QList<QSharedPointer<ChamberSimulation>> chambers;
+    for (int index = 0; index < 101; ++index) {
+        QString const asked = index == 0 ? QStringLiteral("127.0.58.30") : QStringLiteral("127.0.58.31");
+        chambers.append(getSimulationByChamberConfigId(type, asked));
+        QVERIFY(chambers.last());
+        QCOMPARE(chambers.last()->getIpAddress(), index < 100 ? QStringLiteral("127.0.58.30") : asked);
+        QCOMPARE(chambers.last()->getModbusAddress(), index < 100 ? index + 1 : 1);
+    }
+    QCOMPARE(currentModbusConverterIpAddress, QStringLiteral("127.0.58.31"));
+    QCOMPARE(currentModbusConverterModbusAdr, 2);
+
+    // On the wire: register 0 reads as the int 1 of the logger's table.
+    auto const answers = [](QString const& converter, char slave) {
+        QTcpSocket client;
+        client.connectToHost(QHostAddress(converter), ModbusRtuOverTcpChamberSimulation::converterPort_);
+        // Read one value from register 0, quantity 2.
+        QByteArray const request = withCrc(QByteArray(1, slave) + QByteArray("\x03\0\0\0\x02", 5));
+        if (!client.waitForConnected(5000) || !deliver(client, request))
+            return QByteArray("no connection");
+        return receive(client, 9, 500);
+    };
+    QCOMPARE(answers("127.0.58.30", 100), withCrc(QByteArray("\x64\x03\x04\0\0\0\x01", 7)));
+    QCOMPARE(answers("127.0.58.30", 101), QByteArray());
+    QCOMPARE(answers("127.0.58.31", 1), withCrc(QByteArray("\x01\x03\x04\0\0\0\x01", 7)));
+    QCOMPARE(answers("127.0.58.31", 2), QByteArray());
+}
+
+void TestChamberFleet::programImage_data()
+{
+    QTest::addColumn<QString>("controller");
+    QTest::addColumn<int>("protocol");
+    QTest::addColumn<QString>("option");
+    QTest::addColumn<QString>("image"); // the class of the first child; empty: none
+
+    using namespace zelmor::domain::types;
+    QTest::newRow("KV2, time program") << "KV2" << int(MODBUS_TCP) << "TimeProgram" << "Kv2";
+    QTest::newRow("KV2, ZELMOR 4 time program") << "KV2" << int(MODBUS_RTU_TUNNEL) << "TimeProgram_ZELMOR_4"
+                                                << "Kv2";
+    QTest::newRow("KV2, week program only") << "KV2" << int(MODBUS_TCP) << "WeekProgram" << "";
+    QTest::newRow("KV1 tunnelled") << "KV1" << int(MODBUS_RTU_TUNNEL) << "TimeProgram" << "Kv1";
+    QTest::newRow("KV1 not programmable") << "KV1" << int(MODBUS_RTU_TUNNEL) << "" << "";
+    QTest::newRow("PL4") << "PL4" << int(MODBUS_RTU_TUNNEL) << "TimeProgram" << "Pl4";
+    QTest::newRow("Q3") << "Q3" << int(MODBUS_RTU_TUNNEL) << "TimeProgram" << "";
+    QTest::newRow("Q3.1") << "Q3.1" << int(MODBUS_RTU_TUNNEL) << "TimeProgram" << "";
+    QTest::newRow("Q3.2") << "Q3.2" << int(MODBUS_RTU_TUNNEL) << "TimeProgram" << "";
+    QTest::newRow("Q4") << "Q4" << int(MODBUS_RTU_TUNNEL) << "TimeProgram_ZELMOR_4" << "";
+    QTest::newRow("TLX") << "TLX" << int(TLX) << "TimeProgram" << "";
+}
+
+void TestChamberFleet::programImage()
+{
+    QFETCH(QString, controller);
+    QFETCH(int, protocol);
+    QFETCH(QString, option);
+    QFETCH(QString, image);
+    ChamberTypeData type;
+    type.controller = controller;
+    type.protocols = {ChamberProtocol(protocol)};
+    if (!option.isEmpty())
+        type.options = {zelmor::domain::types::ChamberOption(option)};
+    // A signal behind the image, so that the image is seen to come first.
+    type.chamberSignals.insert(1, makeSignal("PV_A", ChamberSignal::PROCESS_VALUE, "2000", QMetaType::Float,
+                                             Unit::CELSIUS));
+
+    ConsoleCapture console;
+    QSharedPointer<ChamberSimulation> const chamber = getSimulationByChamberConfigId(type, "127.0.58.40");
+    QVERIFY(chamber);
+    auto const device = chamber->getSimulationReader().dynamicCast<SimulationDevice>();
+    QVERIFY(device);
+    QList<QSharedPointer<SimulationReader>> const children = device->getChildren();
+    QCOMPARE(children.size(), image.isEmpty() ? 1 : 2);
+    QSharedPointer<SimulationReader> const first = children.first();
+    QCOMPARE(!first.dynamicCast<Kv2ProgramOption>().isNull(), image == QLatin1String("Kv2"));
+    QCOMPARE(!first.dynamicCast<Kv1ProgramOption>().isNull(), image == QLatin1String("Kv1"));
+    QCOMPARE(!first.dynamicCast<Pl4ProgramOption>().isNull(), image == QLatin1String("Pl4"));
+    QVERIFY(!children.last().dynamicCast<SimulationSignal>().isNull());
 }
 
 void TestChamberFleet::readerOfAType_data()
