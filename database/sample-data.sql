@@ -27,6 +27,9 @@
 -- (BOOL, INT8, INT16, INT32, UINT8, UINT16, UINT32, FLOAT), except on the PL3
 -- and vacuum controller types (80, 90), which no simulation class serves:
 -- they carry CHAR, TIME, INT10, an unknown type word and non-hex addresses.
+-- Signals of the tunnelled types (30, 40, 50, 60-62, 70) have no UINT8: a
+-- tunnelled chamber has no byte form for it, and a client's read of it would
+-- never end.
 
 -- ---------------------------------------------------------------------------
 -- Controllers and protocols
@@ -215,7 +218,7 @@ INSERT INTO controller_data VALUES
     (4005, '000A', 'INPUT_REGISTER', 'INT32', 'RO', 'Operating hours', 3, NULL, NULL),
     (4006, '000C', 'DISCRETE_INPUT', 'BOOL', 'RO', 'Door open', 3, NULL, NULL),
     (4007, '000D', 'DISCRETE_INPUT', 'BOOL', 'RO', 'Collective alarm', 3, NULL, NULL),
-    (4008, '000E', 'HOLDING_REGISTER', 'UINT8', 'RW', 'Fan stage', 3, NULL, NULL),
+    (4008, '000E', 'HOLDING_REGISTER', 'UINT16', 'RW', 'Fan stage', 3, NULL, NULL),
     (4009, '0010', 'INPUT_REGISTER', 'INT16', 'RO', 'Compressor stage', 3, NULL, NULL),
     (4010, '0012', 'INPUT_REGISTER', 'UINT16', 'RO', 'Status word', 3, NULL, NULL),
     (4011, '1240', 'HOLDING_REGISTER', 'FLOAT', 'WO', 'Temperature set point, program', 3, 1, 'written by the running time program'),
