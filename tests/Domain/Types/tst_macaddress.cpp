@@ -11,10 +11,7 @@ class TestMacAddress : public QObject
 private slots:
     void parse_data();
     void parse();
-    void separatorsGiveEqualAddresses();
-    void rawBytes();
-    void nullPointerIsEmptyText();
-    void equalityComparesLengthThenBytes();
+    void otherConstructorsAndEquality();
 };
 
 void TestMacAddress::parse_data()
@@ -30,18 +27,15 @@ void TestMacAddress::parse_data()
     QTest::newRow("single digits") << "a-b-c-d-e-f" << QByteArray("0a0b0c0d0e0f") << "0a:0b:0c:0d:0e:0f";
     QTest::newRow("three digits keep the low byte") << "1FF:2:3:4:5:6" << QByteArray("ff0203040506")
                                                     << "ff:02:03:04:05:06";
-    QTest::newRow("empty parts are dropped") << "00::11:22:33:44:55" << QByteArray("001122334455")
+    QTest::newRow("empty parts are dropped") << "-00-11--22-33-44-55-" << QByteArray("001122334455")
                                              << "00:11:22:33:44:55";
-    QTest::newRow("outer separators") << "-00-11-22-33-44-55-" << QByteArray("001122334455") << "00:11:22:33:44:55";
     // six parts at "-" win, and the last one is no number
     QTest::newRow("six dash parts, one with a colon") << "00-11-22-33-44-55:66" << QByteArray("001122334400")
                                                       << "00:11:22:33:44:00";
     QTest::newRow("five parts") << "00:11:22:33:44" << QByteArray() << "";
     QTest::newRow("seven parts") << "00:11:22:33:44:55:66" << QByteArray() << "";
     QTest::newRow("no separators") << "001122334455" << QByteArray() << "";
-    QTest::newRow("dots") << "00.11.22.33.44.55" << QByteArray() << "";
     QTest::newRow("empty") << "" << QByteArray() << "";
-    QTest::newRow("broadcast") << "FF:FF:FF:FF:FF:FF" << QByteArray("ffffffffffff") << "ff:ff:ff:ff:ff:ff";
 }
 
 void TestMacAddress::parse()
@@ -54,48 +48,20 @@ void TestMacAddress::parse()
     QCOMPARE(mac.address.toHex(), expectedHex);
     QCOMPARE(mac.toString(), expectedText);
     QCOMPARE(mac.isValid(), !expectedHex.isEmpty());
-    // the text form parses back to the same bytes
-    QCOMPARE(MacAddress(mac.toString()), mac);
+    QCOMPARE(MacAddress(text.toUtf8().constData()), mac);
 }
 
-void TestMacAddress::separatorsGiveEqualAddresses()
+void TestMacAddress::otherConstructorsAndEquality()
 {
-    QVERIFY(MacAddress("00-1A-2B-3C-4D-5E") == MacAddress("00:1a:2b:3c:4d:5e"));
-    QVERIFY(MacAddress(QStringLiteral("00-1A-2B-3C-4D-5E")) == MacAddress("00:1a:2b:3c:4d:5e"));
+    QVERIFY(MacAddress("00-1A-2B-3C-4D-5E") == MacAddress(QByteArray::fromHex("001a2b3c4d5e")));
     QVERIFY(MacAddress("00-1A-2B-3C-4D-5E") != MacAddress("00:1a:2b:3c:4d:5f"));
-    QVERIFY(MacAddress("00-1A-2B:3C:4D:5E") == MacAddress());
-}
-
-void TestMacAddress::rawBytes()
-{
-    const MacAddress mac(QByteArray::fromHex("001a2b3c4d5e"));
-    QCOMPARE(mac, MacAddress("00:1A:2B:3C:4D:5E"));
-    QCOMPARE(mac.toString(), QStringLiteral("00:1a:2b:3c:4d:5e"));
-
     // bytes are taken as they are, whatever their number
-    const MacAddress shortOne(QByteArray::fromHex("0102"));
-    QCOMPARE(shortOne.address.size(), 2);
-    QCOMPARE(shortOne.toString(), QStringLiteral("01:02"));
-    QVERIFY(MacAddress(QByteArray()).toString().isEmpty());
-}
+    QCOMPARE(MacAddress(QByteArray::fromHex("0102")).toString(), QStringLiteral("01:02"));
+    QVERIFY(MacAddress(QByteArray::fromHex("000000000000")) != MacAddress(QByteArray::fromHex("0000000000")));
 
-void TestMacAddress::nullPointerIsEmptyText()
-{
     const char* none = nullptr;
-    const MacAddress mac(none);
-    QVERIFY(!mac.isValid());
-    QVERIFY(mac.toString().isEmpty());
-    QCOMPARE(mac, MacAddress());
-}
-
-void TestMacAddress::equalityComparesLengthThenBytes()
-{
-    const MacAddress six(QByteArray::fromHex("000000000000"));
-    const MacAddress five(QByteArray::fromHex("0000000000"));
-    QVERIFY(six != five);
-    QVERIFY(!(six == five));
-    QVERIFY(MacAddress() == MacAddress(QByteArray()));
-    QVERIFY(MacAddress() != six);
+    QCOMPARE(MacAddress(none), MacAddress());
+    QVERIFY(MacAddress(none).toString().isEmpty());
 }
 
 QTEST_GUILESS_MAIN(TestMacAddress)
