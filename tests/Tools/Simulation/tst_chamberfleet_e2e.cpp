@@ -3,6 +3,7 @@
 // test's client sockets are made inside the namespace too.
 
 #include "support/NetworkNamespace.h"
+#include "support/RtuOverTcp.h"
 #include "support/SampleCatalogue.h"
 #include "support/SimulatorProcess.h"
 #include "support/TestDatabase.h"
@@ -12,12 +13,16 @@
 #include <QElapsedTimer>
 #include <QNetworkDatagram>
 #include <QRandomGenerator>
+#include <QTcpSocket>
 #include <QUdpSocket>
 #include <QtTest>
 
 #include <memory>
 
+using zelmor::testsupport::deliver;
 using zelmor::testsupport::NetworkNamespace;
+using zelmor::testsupport::receive;
+using zelmor::testsupport::withCrc;
 using zelmor::testsupport::SimulatorProcess;
 using zelmor::testsupport::TestDatabase;
 using zelmor::testsupport::TlxClient;
@@ -51,6 +56,51 @@ QByteArray discoveryReply(QByteArray const& address, QString const& mac, QByteAr
            + "\tControllertype:TLX\tCOMType:TLXDirect\tProgramController:False\r\n";
 }
 
+QByteArray const type60Signals = "Adding Signal PV_Temperature\r\nAdding Signal PV_Humidity\r\n"
+                                 "Adding Signal PV_Door_Open\r\nAdding Signal PV_Collective_Alarm\r\n";
+
+QByteArray tunnelledStartLine(QByteArray const& typeName, QByteArray const& converter, int slave)
+{
+    return "Start Modbus RTU over TCP simulation " + typeName + " on " + converter
+           + " Modbus Address: " + QByteArray::number(slave) + "\r\n";
+}
+
+// The float 23.3 (41BA6666) of the read, as a Modbus register pair, and the reply.
+QByteArray const temperatureWords = QByteArray::fromHex("666641ba");
+
+// A tunnelled chamber's answer to a read of two input registers; empty when silent.
+QByteArray readTunnelled(NetworkNamespace const& space, QString const& converter, int slave, quint16 address)
+{
+    QTcpSocket client;
+    if (!client.setSocketDescriptor(space.connectedTcpSocket(converter, 10001)))
+        return "no connection";
+    QByteArray request(1, char(slave));
+    request += QByteArray::fromHex("04") + char(address >> 8) + char(address & 0xFF) + QByteArray::fromHex("0002");
+    if (!deliver(client, withCrc(request)))
+        return "not delivered";
+    return receive(client, 9, 500);
+}
+
+// A Modbus TCP chamber's answer to a read of two holding registers.
+QByteArray readModbusTcp(NetworkNamespace const& space, QString const& address, quint16 registerNumber)
+{
+    QTcpSocket client;
+    if (!client.setSocketDescriptor(space.connectedTcpSocket(address, 502)))
+        return "no connection";
+    client.write(QByteArray::fromHex("0001 0000 0006 ff 03") + char(registerNumber >> 8) + char(registerNumber & 0xFF)
+                 + QByteArray::fromHex("0002"));
+    return receive(client, 13);
+}
+
+// The reply of a converter's responder; empty when none comes.
+QByteArray searchConverter(NetworkNamespace const& space, QString const& address, quint16 port)
+{
+    QUdpSocket udp;
+    if (!udp.setSocketDescriptor(space.boundUdpSocket(address)) || udp.writeDatagram("", QHostAddress(address), port) != 0)
+        return "not sent";
+    return udp.waitForReadyRead(1000) ? udp.receiveDatagram().data() : QByteArray();
+}
+
 // A namespace with veth ends "fa" and "fb", addresses given per end.
 std::unique_ptr<NetworkNamespace> makeNamespace(QStringList const& onFa, QStringList const& onFb, QString* error)
 {
@@ -77,6 +127,9 @@ private slots:
 
     void instancesFleet();
     void automaticFleet();
+    void tunnelledInstances_data();
+    void tunnelledInstances();
+    void automaticFleetOfEveryKind();
     void badInputOnTheWire_data();
     void badInputOnTheWire();
 
@@ -212,6 +265,138 @@ void TestChamberFleetEndToEnd::automaticFleet()
     checkChamber(*space, "10.204.0.1", mac, "HX 60 Z6");
     checkChamber(*space, "10.204.0.2", mac, "HX 120 Z6");
     checkChamber(*space, "10.204.0.3", mac, "KBF 240 E6");
+}
+
+void TestChamberFleetEndToEnd::tunnelledInstances_data()
+{
+    QTest::addColumn<int>("count");
+    QTest::addColumn<int>("onFirst");  // chambers on the converter of 10.205.0.1
+    QTest::addColumn<int>("onSecond"); // and of 10.205.0.2
+    QTest::addColumn<QString>("lastRow"); // "%1": the hardware address
+    QTest::addColumn<QString>("extract"); // the whole file when not empty
+
+    // The iterator moves on at the first chamber, whose converter is its
+    // address; the next ones join that converter while the iterator waits
+    // at the second address, until 100 slaves are full.
+    QString const row = QStringLiteral("INSERT INTO \"chamber\" VALUES(%2,60,60,'666-%3',0,1,'VT 4021 Z3 at %4',"
+                                       "'%5',NULL,'%1',%6,NULL,NULL,NULL,NULL,NULL,1,0);\n");
+    QTest::newRow("3") << 3 << 3 << 0 << row.arg("%1", "1002", "100002", "10.205.0.2", "10.205.0.1", "3")
+                       << row.arg("%1", "1000", "100000", "10.205.0.1", "10.205.0.1", "1")
+                              + row.arg("%1", "1001", "100001", "10.205.0.2", "10.205.0.1", "2")
+                              + row.arg("%1", "1002", "100002", "10.205.0.2", "10.205.0.1", "3");
+    QTest::newRow("50 on two addresses: all on the first converter")
+        << 50 << 50 << 0 << row.arg("%1", "1049", "100049", "10.205.0.2", "10.205.0.1", "50") << QString();
+    QTest::newRow("200: 100 and 1, then the addresses have run out")
+        << 200 << 100 << 1 << row.arg("%1", "1100", "100100", "10.205.0.2", "10.205.0.2", "1") << QString();
+}
+
+void TestChamberFleetEndToEnd::tunnelledInstances()
+{
+    QFETCH(int, count);
+    QFETCH(int, onFirst);
+    QFETCH(int, onSecond);
+    QFETCH(QString, lastRow);
+    QFETCH(QString, extract);
+    QString error;
+    std::unique_ptr<NetworkNamespace> space = makeNamespace({"10.205.0.1/24", "10.205.0.2/24"}, {}, &error);
+    QVERIFY2(error.isEmpty(), qPrintable(error));
+    SimulatorProcess simulator;
+    QVERIFY(simulator.installCatalogue(catalogue));
+    simulator.setNetworkNamespace(space->name());
+    simulator.start({"-m60", "-n" + QString::number(count), "-i10.205.0.1"});
+
+    QByteArray output = readingDefault + type60Signals.repeated(onFirst + onSecond);
+    for (int slave = 1; slave <= onFirst; ++slave)
+        output += tunnelledStartLine("VT 4021 Z3", "10.205.0.1", slave);
+    for (int slave = 1; slave <= onSecond; ++slave)
+        output += tunnelledStartLine("VT 4021 Z3", "10.205.0.2", slave);
+    QVERIFY2(simulator.waitForOutput(output, 20000), simulator.standardError().constData());
+    QVERIFY(simulator.waitUntilIdle());
+    QCOMPARE(simulator.standardOutput(), output);
+
+    QString const mac = space->macAddress(QStringLiteral("fa")).toUpper();
+    QString const rows = QString::fromUtf8(simulator.documentsFile(extractFile));
+    QCOMPARE(rows.count(QLatin1Char('\n')), onFirst + onSecond);
+    QVERIFY2(rows.endsWith(lastRow.arg(mac)), qPrintable(rows.right(300)));
+    if (!extract.isEmpty())
+        QCOMPARE(rows, extract.arg(mac));
+
+    // Each converter answers its slaves only, and has one Wut responder.
+    QByteArray const searchReply = QByteArray(22, '\0') + QByteArray::fromHex(mac.toLatin1().replace(':', ""));
+    for (auto const& [converter, slaves] : {std::pair{QStringLiteral("10.205.0.1"), onFirst},
+                                             std::pair{QStringLiteral("10.205.0.2"), onSecond}}) {
+        if (slaves == 0) {
+            QCOMPARE(space->connectedTcpSocket(converter, 10001), qintptr(-1));
+            QCOMPARE(searchConverter(*space, converter, 8513), QByteArray());
+            continue;
+        }
+        for (int slave : {1, slaves})
+            QCOMPARE(readTunnelled(*space, converter, slave, 0x300),
+                     withCrc(QByteArray(1, char(slave)) + "\x04\x04" + temperatureWords));
+        QCOMPARE(readTunnelled(*space, converter, slaves + 1, 0x300), QByteArray());
+        QCOMPARE(searchConverter(*space, converter, 8513), searchReply);
+    }
+}
+
+// Every kind of chamber of the catalogue, one for each qualified type name
+// in catalogue order, while addresses last. A TLX or Modbus TCP chamber
+// takes an address of its own; the tunnelled ones share the converter of
+// the first, and the iterator waits meanwhile. Types 32, 41, 63, 80 and 90
+// get no chamber (41 is serial only: no COM port in a dotted address).
+void TestChamberFleetEndToEnd::automaticFleetOfEveryKind()
+{
+    QString error;
+    QStringList addresses;
+    for (int host = 1; host <= 9; ++host)
+        addresses << QStringLiteral("10.206.0.%1/24").arg(host);
+    std::unique_ptr<NetworkNamespace> space = makeNamespace(addresses, {}, &error);
+    QVERIFY2(error.isEmpty(), qPrintable(error));
+    SimulatorProcess simulator;
+    QVERIFY(simulator.installCatalogue(catalogue));
+    simulator.setNetworkNamespace(space->name());
+    simulator.start({"-a10.206.0.1"});
+
+    QByteArray const starts = startLine("HX 60 Z6", "10.206.0.1") + startLine("HX 120 Z6", "10.206.0.2")
+                              + startLine("KBF 240 E6", "10.206.0.3") + startLine("WIK", "10.206.0.4")
+                              + startLine("KBF 720 E6", "10.206.0.5")
+                              + tunnelledStartLine("MKF 115 E2", "10.206.0.6", 1)
+                              + "Start Modbus simulation MKF 240 E2 on 10.206.0.7:502\r\n"
+                              + tunnelledStartLine("KMF 240 E5", "10.206.0.6", 2)
+                              + tunnelledStartLine("TSC 150 Z4", "10.206.0.6", 3)
+                              + tunnelledStartLine("VT 4021 Z3", "10.206.0.6", 4)
+                              + tunnelledStartLine("VT 4034 Z3", "10.206.0.6", 5)
+                              + tunnelledStartLine("VT 4060 Z3", "10.206.0.6", 6)
+                              + tunnelledStartLine("VCL 4010 Z5", "10.206.0.6", 7)
+                              + "Start Modbus simulation VC 7034 Z2 on 10.206.0.8:502\r\n";
+    QVERIFY2(simulator.waitForOutput(starts + starts), simulator.standardOutput().constData());
+    QVERIFY(simulator.waitUntilIdle());
+    QVERIFY(simulator.standardOutput().endsWith(starts + starts));
+
+    QString const mac = space->macAddress(QStringLiteral("fa")).toUpper();
+    auto const row = [&mac](int id, int type, QString const& name, int host, int slave, char const* protocol) {
+        return QStringLiteral("INSERT INTO \"chamber\" VALUES(%1,%2,%2,'666-%3',0,1,'%4','10.206.0.%5',NULL,'%6',%7,"
+                              "NULL,NULL,NULL,NULL,NULL,%8);\n")
+            .arg(id).arg(type).arg(100000 + id - 100).arg(name).arg(host).arg(mac).arg(slave).arg(protocol);
+    };
+    QString const rows = row(100, 1, "HX 60 Z6", 1, 0, "4,-1") + row(101, 2, "HX 120 Z6", 2, 0, "4,-1")
+                         + row(102, 9, "KBF 240 E6", 3, 0, "4,-1") + row(103, 11, "WIK", 4, 0, "4,-1")
+                         + row(104, 12, "KBF 720 E6", 5, 0, "4,-1") + row(105, 30, "MKF 115 E2", 6, 1, "1,0")
+                         + row(106, 31, "MKF 240 E2", 7, 0, "3,-1") + row(107, 40, "KMF 240 E5", 6, 2, "1,0")
+                         + row(108, 50, "TSC 150 Z4", 6, 3, "1,0") + row(109, 60, "VT 4021 Z3", 6, 4, "1,0")
+                         + row(110, 61, "VT 4034 Z3", 6, 5, "1,0") + row(111, 62, "VT 4060 Z3", 6, 6, "1,0")
+                         + row(112, 70, "VCL 4010 Z5", 6, 7, "1,0") + row(113, 247, "VC 7034 Z2", 8, 0, "3,-1");
+    QCOMPARE(QString::fromUtf8(simulator.documentsFile(extractFile)), rows);
+
+    // Each answers on its own address: the tunnelled slave 1 (type 30) and 7
+    // (type 70), the Modbus TCP chambers, and nothing on the ninth address.
+    QCOMPARE(readTunnelled(*space, "10.206.0.6", 1, 0x1000), withCrc("\x01\x04\x04" + temperatureWords));
+    QCOMPARE(readTunnelled(*space, "10.206.0.6", 7, 0x500), withCrc("\x07\x04\x04" + temperatureWords));
+    // Words low first in Modbus TCP: 6666 then 41BA, as the tunnelled float.
+    QByteArray const modbusTcpReply = QByteArray::fromHex("0001 0000 0007 ff 03 04") + temperatureWords;
+    QCOMPARE(readModbusTcp(*space, "10.206.0.7", 0x1000), modbusTcpReply);
+    QCOMPARE(readModbusTcp(*space, "10.206.0.8", 0x1000), modbusTcpReply);
+    for (quint16 port : {9000, 502, 10001})
+        QCOMPARE(space->connectedTcpSocket(QStringLiteral("10.206.0.9"), port), qintptr(-1));
 }
 
 void TestChamberFleetEndToEnd::badInputOnTheWire_data()
