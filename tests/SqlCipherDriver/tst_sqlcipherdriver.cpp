@@ -52,6 +52,18 @@ QString shell(const QString& path, const QString& sql, const QString& key = proj
     return result.ok ? result.output : QStringLiteral("shell failed: ") + result.errorOutput;
 }
 
+// Prepares text, binds values in order and runs it; prints the error when that fails.
+bool run(QSqlQuery& query, const QString& text, const QVariantList& values = {})
+{
+    bool ok = query.prepare(text);
+    for (const QVariant& value : values)
+        query.addBindValue(value);
+    ok = ok && query.exec();
+    if (!ok)
+        qWarning() << text << query.lastError().text();
+    return ok;
+}
+
 QStringList firstColumn(QSqlQuery& query)
 {
     QStringList values;
@@ -74,10 +86,8 @@ private slots:
     void bindsAndReadsBack_data();
     void bindsAndReadsBack();
 
-    void wrongKeyShowsNoTables_data();
-    void wrongKeyShowsNoTables();
-    void rejectsFilesThatAreNoEncryptedDatabase_data();
-    void rejectsFilesThatAreNoEncryptedDatabase();
+    void unreadableFiles_data();
+    void unreadableFiles();
     void openFailsInMissingFolder();
 
     void rowsAffectedAndLastInsertId_data();
@@ -88,8 +98,6 @@ private slots:
     void reportsEngineErrors();
     void statementTexts_data();
     void statementTexts();
-    void navigation_data();
-    void navigation();
 
     void listsTablesByType_data();
     void listsTablesByType();
@@ -171,12 +179,8 @@ void tst_SqlCipherDriver::bindsAndReadsBack_data()
     QTest::addColumn<QString>("storedAs"); // typeof() and quote() by the shell
     QTest::addColumn<QVariant>("readBack");
 
-    const QVariant null;
-    QTest::newRow("invalid") << QVariant() << "null|NULL" << null;
-    QTest::newRow("null int") << QVariant(QVariant::Int) << "null|NULL" << null;
-    QTest::newRow("null string") << QVariant(QVariant::String) << "null|NULL" << null;
-    QTest::newRow("null bytes") << QVariant(QVariant::ByteArray) << "null|NULL" << null;
-    QTest::newRow("null date time") << QVariant(QVariant::DateTime) << "null|NULL" << null;
+    for (QVariant::Type type : {QVariant::Invalid, QVariant::Int, QVariant::String, QVariant::ByteArray, QVariant::DateTime})
+        QTest::newRow(qPrintable(QStringLiteral("null %1").arg(QLatin1String(QVariant::typeToName(type))))) << QVariant(type) << "null|NULL" << QVariant();
 
     QTest::newRow("true") << QVariant(true) << "integer|1" << QVariant(qlonglong(1));
     QTest::newRow("false") << QVariant(false) << "integer|0" << QVariant(qlonglong(0));
@@ -226,9 +230,7 @@ void tst_SqlCipherDriver::bindsAndReadsBack()
     {
         QSqlDatabase db = open(path);
         QSqlQuery query(db);
-        QVERIFY2(query.prepare(QStringLiteral("INSERT INTO v(x) VALUES (?)")), qPrintable(query.lastError().text()));
-        query.addBindValue(bound);
-        QVERIFY2(query.exec(), qPrintable(query.lastError().text()));
+        QVERIFY(run(query, QStringLiteral("INSERT INTO v(x) VALUES (?)"), {bound}));
 
         query.setForwardOnly(true);
         QVERIFY2(query.exec(QStringLiteral("SELECT x FROM v")), qPrintable(query.lastError().text()));
@@ -247,44 +249,24 @@ void tst_SqlCipherDriver::bindsAndReadsBack()
     QCOMPARE(shell(path, QStringLiteral("SELECT typeof(x), quote(x) FROM v;")), storedAs + QLatin1Char('\n'));
 }
 
-void tst_SqlCipherDriver::wrongKeyShowsNoTables_data()
-{
-    QTest::addColumn<QString>("key");
-
-    QTest::newRow("other key") << "ffffffffffffffffffffffffffffffff";
-    QTest::newRow("key one character short") << projectKey.left(31);
-    QTest::newRow("no key") << QString();
-}
-
-void tst_SqlCipherDriver::wrongKeyShowsNoTables()
-{
-    QFETCH(QString, key);
-
-    // The engine takes any key; it is only checked when a page is read.
-    QSqlDatabase db = open(seeded(), key);
-    QVERIFY2(db.isOpen(), qPrintable(db.lastError().text()));
-    QVERIFY(db.tables(QSql::AllTables).isEmpty());
-    QVERIFY(db.record(QStringLiteral("t")).isEmpty());
-
-    QSqlQuery query(db);
-    QVERIFY(!query.exec(QStringLiteral("SELECT name FROM t")));
-    QCOMPARE(query.lastError().databaseText(), QStringLiteral("file is encrypted or is not a database"));
-    QCOMPARE(query.lastError().nativeErrorCode(), QStringLiteral("26"));
-    QCOMPARE(query.lastError().type(), QSqlError::StatementError);
-}
-
-void tst_SqlCipherDriver::rejectsFilesThatAreNoEncryptedDatabase_data()
+void tst_SqlCipherDriver::unreadableFiles_data()
 {
     QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("key");
 
-    QTest::newRow("plain sqlite3 file") << "plain";
-    QTest::newRow("text file") << "text";
-    QTest::newRow("encrypted file cut in half") << "half";
+    // The engine takes any key; it is only checked when a page is read.
+    QTest::newRow("other key") << "encrypted" << "ffffffffffffffffffffffffffffffff";
+    QTest::newRow("key one character short") << "encrypted" << projectKey.left(31);
+    QTest::newRow("no key") << "encrypted" << QString();
+    QTest::newRow("plain sqlite3 file") << "plain" << projectKey;
+    QTest::newRow("text file") << "text" << projectKey;
+    QTest::newRow("encrypted file cut in half") << "half" << projectKey;
 }
 
-void tst_SqlCipherDriver::rejectsFilesThatAreNoEncryptedDatabase()
+void tst_SqlCipherDriver::unreadableFiles()
 {
     QFETCH(QString, kind);
+    QFETCH(QString, key);
 
     const QString sql = QStringLiteral(
         "CREATE TABLE t(id INTEGER PRIMARY KEY, name TEXT);"
@@ -296,15 +278,15 @@ void tst_SqlCipherDriver::rejectsFilesThatAreNoEncryptedDatabase()
     } else if (kind == QLatin1String("text")) {
         path = files_->createFile(QStringLiteral("text.sqlite3"), QByteArray("no database, just text\n").repeated(200));
     } else {
-        QFile file(seeded(sql));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        const QByteArray content = file.readAll();
-        QVERIFY(content.size() > 40000);
-        path = files_->createFile(QStringLiteral("cut.sqlite3"), content.left(content.size() / 2));
+        path = seeded(sql);
+        QFile file(path);
+        QVERIFY(kind == QLatin1String("encrypted") || (file.open(QIODevice::ReadOnly) && file.size() > 40000));
+        if (kind == QLatin1String("half"))
+            path = files_->createFile(QStringLiteral("cut.sqlite3"), file.readAll().left(int(file.size() / 2)));
     }
     QVERIFY2(!path.isEmpty(), qPrintable(files_->lastError()));
 
-    QSqlDatabase db = open(path);
+    QSqlDatabase db = open(path, key);
     QVERIFY2(db.isOpen(), qPrintable(db.lastError().text()));
     QSqlQuery query(db);
     query.setForwardOnly(true);
@@ -313,9 +295,14 @@ void tst_SqlCipherDriver::rejectsFilesThatAreNoEncryptedDatabase()
         read = firstColumn(query);
     QVERIFY2(query.lastError().isValid(), qPrintable(QStringLiteral("%1 rows read").arg(read.size())));
     QCOMPARE(query.lastError().type(), QSqlError::StatementError);
-    QVERIFY(!query.lastError().databaseText().isEmpty());
-    QVERIFY(kind != QLatin1String("plain") || read.isEmpty());
     QVERIFY(read.size() < 400);
+    if (kind == QLatin1String("half"))
+        return; // its first page is intact
+    QVERIFY(read.isEmpty());
+    QVERIFY(db.tables(QSql::AllTables).isEmpty());
+    QVERIFY(db.record(QStringLiteral("t")).isEmpty());
+    QCOMPARE(query.lastError().databaseText(), QStringLiteral("file is encrypted or is not a database"));
+    QCOMPARE(query.lastError().nativeErrorCode(), QStringLiteral("26"));
 }
 
 void tst_SqlCipherDriver::openFailsInMissingFolder()
@@ -389,11 +376,8 @@ void tst_SqlCipherDriver::transactionEnds()
         QCOMPARE(db.lastError().type(), QSqlError::TransactionError);
         QCOMPARE(db.lastError().databaseText(), QStringLiteral("cannot start a transaction within a transaction"));
         QSqlQuery query(db);
-        for (const QString& name : {QStringLiteral("four"), QStringLiteral("five")}) {
-            QVERIFY(query.prepare(QStringLiteral("INSERT INTO t(name) VALUES (?)")));
-            query.addBindValue(name);
-            QVERIFY2(query.exec(), qPrintable(query.lastError().text()));
-        }
+        for (const char* name : {"four", "five"})
+            QVERIFY(run(query, QStringLiteral("INSERT INTO t(name) VALUES (?)"), {name}));
         QVERIFY(query.exec(QStringLiteral("UPDATE t SET name = 'changed' WHERE id = 3")));
         // Inside the transaction the connection sees its own rows.
         QVERIFY(query.exec(QStringLiteral("SELECT count(*) FROM t")));
@@ -481,42 +465,6 @@ void tst_SqlCipherDriver::statementTexts()
     QCOMPARE(describe(query.value(0)), describe(qlonglong(7)));
 }
 
-void tst_SqlCipherDriver::navigation_data()
-{
-    QTest::addColumn<bool>("forwardOnly");
-    QTest::addColumn<QString>("moves");    // n next, p previous, f first, l last, digit seek
-    QTest::addColumn<QString>("expected"); // id after each move, '-' when the move fails
-
-    QTest::newRow("forward only, to the end") << true << "nnnn" << "123-";
-    QTest::newRow("forward only, last") << true << "nln" << "13-";
-    QTest::newRow("forward only, last at once") << true << "l" << "3";
-    QTest::newRow("scrollable") << false << "nnlpf2n" << "123213-";
-    QTest::newRow("scrollable, seek past the end") << false << "5l" << "-3";
-}
-
-void tst_SqlCipherDriver::navigation()
-{
-    QFETCH(bool, forwardOnly);
-    QFETCH(QString, moves);
-    QFETCH(QString, expected);
-
-    QSqlDatabase db = open(seeded());
-    QSqlQuery query(db);
-    query.setForwardOnly(forwardOnly);
-    QVERIFY(query.exec(QStringLiteral("SELECT id, name FROM t ORDER BY id")));
-    QString seen;
-    for (const QChar move : moves) {
-        const char c = move.toLatin1();
-        const bool ok = c == 'n'   ? query.next()
-                        : c == 'p' ? query.previous()
-                        : c == 'f' ? query.first()
-                        : c == 'l' ? query.last()
-                                   : query.seek(move.digitValue());
-        seen += ok ? query.value(0).toString() : QStringLiteral("-");
-    }
-    QCOMPARE(seen, expected);
-}
-
 void tst_SqlCipherDriver::listsTablesByType_data()
 {
     QTest::addColumn<QSql::TableType>("type");
@@ -572,17 +520,13 @@ void tst_SqlCipherDriver::sameTextInTwoLiveQueries()
     {
         QSqlQuery first(db);
         first.setForwardOnly(true);
-        QVERIFY(first.prepare(text));
-        first.addBindValue(1);
-        QVERIFY(first.exec());
+        QVERIFY(run(first, text, {1}));
         QVERIFY(first.next());
         QCOMPARE(first.value(0).toInt(), 1);
 
         QSqlQuery second(db);
         second.setForwardOnly(true);
-        QVERIFY(second.prepare(text));
-        second.addBindValue(2);
-        QVERIFY(second.exec());
+        QVERIFY(run(second, text, {2}));
         QCOMPARE(firstColumn(second), (QStringList{"2", "3"}));
 
         // The first query still walks its own rows with its own parameter.
@@ -593,10 +537,8 @@ void tst_SqlCipherDriver::sameTextInTwoLiveQueries()
     // Taken from the cache while in use, back afterwards.
     {
         QSqlQuery again(db);
-        QVERIFY(again.prepare(text));
+        QVERIFY(run(again, text, {3}));
         QCOMPARE(driver->cachedStatementCount(), cachedBefore);
-        again.addBindValue(3);
-        QVERIFY(again.exec());
         QCOMPARE(firstColumn(again), QStringList{"3"});
     }
     QCOMPARE(driver->cachedStatementCount(), cachedBefore + 1);
@@ -623,9 +565,7 @@ void tst_SqlCipherDriver::reusesOneQueryForSeveralStatements()
     };
     QStringList names;
     for (const auto& step : steps) {
-        QVERIFY(query.prepare(step.first));
-        query.addBindValue(step.second);
-        QVERIFY2(query.exec(), qPrintable(query.lastError().text()));
+        QVERIFY(run(query, step.first, {step.second}));
         if (query.isSelect()) {
             QVERIFY(query.next());
             names << query.value(0).toString();
@@ -637,9 +577,7 @@ void tst_SqlCipherDriver::reusesOneQueryForSeveralStatements()
     QCOMPARE(names, (QStringList{"four", "five", "one"}));
 
     // exec() again without prepare: new parameter, first row again.
-    QVERIFY(query.prepare(select));
-    query.addBindValue(2);
-    QVERIFY(query.exec());
+    QVERIFY(run(query, select, {2}));
     QVERIFY(query.next());
     query.bindValue(0, 3);
     QVERIFY(query.exec());
@@ -727,9 +665,7 @@ void tst_SqlCipherDriver::closeWithLiveQueries()
     // Open again with the same queries.
     QVERIFY(db.open());
     QVERIFY(walking.exec(QStringLiteral("PRAGMA key = '%1';").arg(projectKey)));
-    QVERIFY(prepared.prepare(QStringLiteral("SELECT name FROM t WHERE id = ?")));
-    prepared.addBindValue(2);
-    QVERIFY2(prepared.exec(), qPrintable(prepared.lastError().text()));
+    QVERIFY(run(prepared, QStringLiteral("SELECT name FROM t WHERE id = ?"), {2}));
     QVERIFY(prepared.next());
     QCOMPARE(prepared.value(0).toString(), QStringLiteral("two"));
 
@@ -746,9 +682,7 @@ void tst_SqlCipherDriver::vacuumAfterCachedStatements()
     QSqlDatabase db = open(seeded());
     for (int id = 1; id <= 3; ++id) {
         QSqlQuery query(db);
-        QVERIFY(query.prepare(QStringLiteral("SELECT name FROM t WHERE id >= ?")));
-        query.addBindValue(id);
-        QVERIFY(query.exec());
+        QVERIFY(run(query, QStringLiteral("SELECT name FROM t WHERE id >= ?"), {id}));
         QVERIFY(query.next()); // left in the middle of its rows
     }
     QSqlQuery vacuum(db);
