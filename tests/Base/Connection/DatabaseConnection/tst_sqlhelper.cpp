@@ -29,9 +29,6 @@ QVariant readAs(const QString& kind, const QVariant& value, const QVariant& fall
     return QVariant();
 }
 
-const QVariant null;
-const QVariant emptyText = QVariant(QString(QLatin1String("")));
-
 } // namespace
 
 class TestSqlHelper : public QObject
@@ -39,92 +36,51 @@ class TestSqlHelper : public QObject
     Q_OBJECT
 
 private slots:
-    void isSqlValueValid_data();
-    void isSqlValueValid();
     void read_data();
     void read();
 };
-
-void TestSqlHelper::isSqlValueValid_data()
-{
-    QTest::addColumn<QVariant>("value");
-    QTest::addColumn<bool>("valid");
-
-    // What the driver gives for the storage classes, and the odd ones out.
-    QTest::newRow("NULL") << null << false;
-    QTest::newRow("empty text") << emptyText << false;
-    QTest::newRow("null text") << QVariant(QString()) << false;
-    QTest::newRow("blank text") << QVariant(QStringLiteral(" ")) << true;
-    QTest::newRow("text 0") << QVariant(QStringLiteral("0")) << true;
-    QTest::newRow("integer 0") << QVariant(qlonglong(0)) << true;
-    QTest::newRow("real 0") << QVariant(0.0) << true;
-    QTest::newRow("empty blob is not text") << QVariant(QByteArray()) << true;
-    QTest::newRow("bool false") << QVariant(false) << true;
-}
-
-void TestSqlHelper::isSqlValueValid()
-{
-    QFETCH(QVariant, value);
-    QFETCH(bool, valid);
-    QCOMPARE(sqlhelper::isSqlValueValid(value), valid);
-}
 
 void TestSqlHelper::read_data()
 {
     QTest::addColumn<QString>("kind");
     QTest::addColumn<QVariant>("value");
+    QTest::addColumn<bool>("valid"); // isSqlValueValid: NULL and the empty text are one thing
     QTest::addColumn<QVariant>("fallback");
     QTest::addColumn<QVariant>("expected");
 
-    const QVariant fallbackText = QStringLiteral("fallback");
-    QTest::newRow("variant: NULL gives the fallback") << "variant" << null << fallbackText << fallbackText;
-    QTest::newRow("variant: empty text gives the fallback") << "variant" << emptyText << fallbackText << fallbackText;
-    QTest::newRow("variant: integer 0 is a value") << "variant" << QVariant(qlonglong(0)) << fallbackText
-                                                   << QVariant(qlonglong(0));
+    const auto row = [](const char* name, const char* kind, const QVariant& value, bool valid,
+                        const QVariant& fallback, const QVariant& expected) {
+        QTest::newRow(name) << QString(kind) << value << valid << fallback << expected;
+    };
+    const QVariant null;
+    const QVariant emptyText = QVariant(QString(QLatin1String("")));
+    const QVariant text = QStringLiteral("fallback");
+    const QDateTime time2000(QDate(2000, 1, 1), QTime(0, 0), Qt::UTC);
 
-    QTest::newRow("string: NULL") << "string" << null << fallbackText << fallbackText;
-    QTest::newRow("string: empty text") << "string" << emptyText << fallbackText << fallbackText;
-    QTest::newRow("string: integer") << "string" << QVariant(qlonglong(12)) << fallbackText
-                                     << QVariant(QStringLiteral("12"));
-
-    QTest::newRow("int: empty text, fallback -1") << "int" << emptyText << QVariant(-1) << QVariant(-1);
-    QTest::newRow("int: NULL, fallback 7") << "int" << null << QVariant(7) << QVariant(7);
-    QTest::newRow("int: text abc is 0, not the fallback") << "int" << QVariant(QStringLiteral("abc")) << QVariant(-1)
-                                                          << QVariant(0);
-    QTest::newRow("int: text 17") << "int" << QVariant(QStringLiteral("17")) << QVariant(-1) << QVariant(17);
-    QTest::newRow("int: integer storage") << "int" << QVariant(qlonglong(-42)) << QVariant(-1) << QVariant(-42);
-
-    QTest::newRow("uint: empty text") << "uint" << emptyText << QVariant(5u) << QVariant(5u);
-    QTest::newRow("uint: text abc") << "uint" << QVariant(QStringLiteral("abc")) << QVariant(5u) << QVariant(0u);
-    QTest::newRow("uint: above the int range") << "uint" << QVariant(qlonglong(4000000000LL)) << QVariant(5u)
-                                               << QVariant(4000000000u);
-
-    QTest::newRow("float: NULL") << "float" << null << QVariant(1.5f) << QVariant(1.5f);
-    QTest::newRow("float: real storage") << "float" << QVariant(2.25) << QVariant(1.5f) << QVariant(2.25f);
-    QTest::newRow("float: text") << "float" << QVariant(QStringLiteral("-0.5")) << QVariant(1.5f) << QVariant(-0.5f);
-    QTest::newRow("float: text x is 0") << "float" << QVariant(QStringLiteral("x")) << QVariant(1.5f)
-                                        << QVariant(0.0f);
-
-    QTest::newRow("bool: NULL, fallback false") << "bool" << null << QVariant(false) << QVariant(false);
-    QTest::newRow("bool: NULL, fallback true") << "bool" << null << QVariant(true) << QVariant(true);
-    QTest::newRow("bool: empty text, fallback true") << "bool" << emptyText << QVariant(true) << QVariant(true);
-    QTest::newRow("bool: integer 0") << "bool" << QVariant(qlonglong(0)) << QVariant(true) << QVariant(false);
-    QTest::newRow("bool: integer 1") << "bool" << QVariant(qlonglong(1)) << QVariant(false) << QVariant(true);
-
-    const QDateTime fallbackTime(QDate(2000, 1, 1), QTime(0, 0), Qt::UTC);
-    QTest::newRow("datetime: empty text") << "datetime" << emptyText << QVariant(fallbackTime)
-                                          << QVariant(fallbackTime);
-    QTest::newRow("datetime: ISO text in UTC")
-        << "datetime" << QVariant(QStringLiteral("2024-03-01T10:20:30.123Z")) << QVariant(fallbackTime)
-        << QVariant(QDateTime(QDate(2024, 3, 1), QTime(10, 20, 30, 123), Qt::UTC));
-    QTest::newRow("datetime: garbage is invalid, not the fallback")
-        << "datetime" << QVariant(QStringLiteral("garbage")) << QVariant(fallbackTime) << QVariant(QDateTime());
-
-    QTest::newRow("time: NULL") << "time" << null << QVariant(QTime(1, 2, 3)) << QVariant(QTime(1, 2, 3));
-    QTest::newRow("time: text") << "time" << QVariant(QStringLiteral("12:34:56")) << QVariant(QTime(1, 2, 3))
-                                << QVariant(QTime(12, 34, 56));
-    QTest::newRow("time: garbage is invalid") << "time" << QVariant(QStringLiteral("xx")) << QVariant(QTime(1, 2, 3))
-                                              << QVariant(QTime());
+    row("variant: NULL", "variant", null, false, text, text);
+    row("variant: empty text", "variant", emptyText, false, text, text);
+    row("variant: null text", "variant", QVariant(QString()), false, text, text);
+    row("variant: blank text", "variant", QStringLiteral(" "), true, text, QStringLiteral(" "));
+    row("variant: integer 0", "variant", qlonglong(0), true, text, qlonglong(0));
+    row("variant: empty blob is not text", "variant", QByteArray(), true, text, QByteArray());
+    row("string: empty text", "string", emptyText, false, text, text);
+    row("string: integer", "string", qlonglong(12), true, text, QStringLiteral("12"));
+    row("int: empty text, fallback -1", "int", emptyText, false, -1, -1);
+    // a value that doesn't convert gives the conversion's zero, not the fallback
+    row("int: text abc is 0", "int", QStringLiteral("abc"), true, -1, 0);
+    row("int: text 17", "int", QStringLiteral("17"), true, -1, 17);
+    row("uint: NULL", "uint", null, false, 5u, 5u);
+    row("uint: above the int range", "uint", qlonglong(4000000000LL), true, 5u, 4000000000u);
+    row("float: NULL", "float", null, false, 1.5f, 1.5f);
+    row("float: text", "float", QStringLiteral("-0.5"), true, 1.5f, -0.5f);
+    row("bool: empty text, fallback true", "bool", emptyText, false, true, true);
+    row("bool: integer 0", "bool", qlonglong(0), true, true, false);
+    row("datetime: empty text", "datetime", emptyText, false, time2000, time2000);
+    row("datetime: ISO text in UTC", "datetime", QStringLiteral("2024-03-01T10:20:30.123Z"), true, time2000,
+        QDateTime(QDate(2024, 3, 1), QTime(10, 20, 30, 123), Qt::UTC));
+    row("datetime: garbage is invalid", "datetime", QStringLiteral("garbage"), true, time2000, QDateTime());
+    row("time: NULL", "time", null, false, QTime(1, 2, 3), QTime(1, 2, 3));
+    row("time: text", "time", QStringLiteral("12:34:56"), true, QTime(1, 2, 3), QTime(12, 34, 56));
 }
 
 void TestSqlHelper::read()
@@ -134,6 +90,7 @@ void TestSqlHelper::read()
     QFETCH(QVariant, fallback);
     QFETCH(QVariant, expected);
 
+    QTEST(sqlhelper::isSqlValueValid(value), "valid");
     const QVariant actual = readAs(kind, value, fallback);
     QCOMPARE(actual.userType(), expected.userType());
     QCOMPARE(actual, expected);
