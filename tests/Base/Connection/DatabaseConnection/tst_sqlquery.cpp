@@ -261,8 +261,6 @@ void TestSqlQuery::columnDefinitions_data()
     QTest::newRow("all flags in order") << Columns{{"v", Q::REAL, Q::ColumnFlag(254)}} << false
                                         << QStringList{"v REAL PRIMARY KEY NOT NULL UNIQUE BINARY UNSIGNED ZERO FILL "}
                                         << QStringList{"v"};
-    QTest::newRow("auto increment alone") << Columns{{"n", Q::INTEGER, Q::AUTO_INCREMENT}} << false
-                                          << QStringList{"n INTEGER "} << QStringList{};
     // The template is filled one argument after the other.
     QTest::newRow("percent digit in name") << Columns{{"signal_%9", Q::REAL, Q::AUTO_INCREMENT}} << false
                                            << QStringList{"signal_  REAL "} << QStringList{};
@@ -289,11 +287,6 @@ void TestSqlQuery::createTable_data()
     const Q::ColumnFlag keyNotNull = Q::PRIMARY_KEY | Q::NOT_NULL;
     const Q::ColumnFlag numberedId = Q::PRIMARY_KEY | Q::NOT_NULL | Q::AUTO_INCREMENT;
 
-    QTest::newRow("single key") << "global_settings"
-                                << Columns{{"id", Q::INTEGER, keyNotNull}, {"event_do_repeat", Q::INTEGER}}
-                                << ForeignKeys{}
-                                << " CREATE TABLE IF NOT EXISTS global_settings"
-                                   " (id INTEGER PRIMARY KEY NOT NULL, event_do_repeat INTEGER)";
     QTest::newRow("numbered id leaves a blank before the comma")
         << "room" << Columns{{"id", Q::INTEGER, numberedId}, {"room_name", Q::TEXT}} << ForeignKeys{}
         << " CREATE TABLE IF NOT EXISTS room (id INTEGER PRIMARY KEY NOT NULL , room_name TEXT)";
