@@ -205,8 +205,7 @@ private slots:
     void chamberTypeVariants_data();
     void chamberTypeVariants();
     void wholeChamberType();
-    void controlSignals_data();
-    void controlSignals();
+    void controlSignalWithoutRegister();
 
     void signalRows_data();
     void signalRows();
@@ -279,14 +278,9 @@ void TestSqlConfigurationDatabaseConnection::operationsBeforeDependencies_data()
     QTest::newRow("getAllChamberTypeData") << Operation([](Store& s) { return s.getAllChamberTypeData(true).isEmpty(); });
     QTest::newRow("getChamberTypeData")
         << Operation([type1](Store& s) { return s.getChamberTypeData(type1, true) == ChamberTypeData(); });
-    QTest::newRow("getChamberSignals(type)")
-        << Operation([type1](Store& s) { return s.getChamberSignals(type1).isEmpty(); });
     QTest::newRow("getTimeProgrammableChamberSignals")
         << Operation([type1](Store& s) { return s.getTimeProgrammableChamberSignals(type1).isEmpty(); });
     QTest::newRow("getChamberSignal") << Operation([](Store& s) { return s.getChamberSignal(101).isNull(); });
-    QTest::newRow("getDefaultToleranceRange") << Operation([type1](Store& s) {
-        return s.getDefaultToleranceRange(type1, 111, true) == DefaultToleranceRange();
-    });
     QTest::newRow("getChamberSignalDelay")
         << Operation([type1](Store& s) { return s.getChamberSignalDelay(type1, 101, false) == 0; });
 }
@@ -419,36 +413,22 @@ void TestSqlConfigurationDatabaseConnection::wholeChamberType()
     QVERIFY(options.furtherOptions.isEmpty());
 }
 
-void TestSqlConfigurationDatabaseConnection::controlSignals_data()
+void TestSqlConfigurationDatabaseConnection::controlSignalWithoutRegister()
 {
-    QTest::addColumn<quint64>("typeId");
-    QTest::addColumn<int>("controlSignalId");
-    QTest::addColumn<ControlSignal>("expected");
-
-    QTest::newRow("write NULL") << quint64(1) << 12
-                                << ControlSignal(12, "Ctrl_Prog_Time_Remaining", -1, BASIC,
-                                                 ControllerAddress(1052, "11700002", ControllerAddress::READ_ONLY,
-                                                                   QMetaType::UInt, 1, -1, "Program time remaining"),
-                                                 ControllerAddress::placeholder());
-    QTest::newRow("read NULL") << quint64(40) << 43
-                               << ControlSignal(43, "Ctrl_Prog_Command", -1, ADVANCED, ControllerAddress::placeholder(),
-                                                ControllerAddress(4023, "1A22", ControllerAddress::WRITE_ONLY,
-                                                                  QMetaType::UShort, 1, -1, "Program command"));
-}
-
-void TestSqlConfigurationDatabaseConnection::controlSignals()
-{
-    QFETCH(quint64, typeId);
-    QFETCH(int, controlSignalId);
-    QFETCH(ControlSignal, expected);
-
-    const ChamberTypeData type = sample->store.getChamberTypeData(ChamberTypeId(typeId, 0), true);
-    QVERIFY(type.controlSignals.contains(controlSignalId));
-    const ControlSignal actual = type.controlSignals.value(controlSignalId);
-    QCOMPARE(actual.name, expected.name);
-    // Not part of the comparison below.
-    QCOMPARE(actual.userLevel, expected.userLevel);
-    QVERIFY(actual == expected);
+    // A NULL register id gives the placeholder address.
+    const ControlSignal withoutWrite =
+        sample->store.getChamberTypeData(ChamberTypeId(1, 0), true).controlSignals.value(12);
+    QVERIFY(withoutWrite == ControlSignal(12, "Ctrl_Prog_Time_Remaining", -1, BASIC,
+                                          ControllerAddress(1052, "11700002", ControllerAddress::READ_ONLY,
+                                                            QMetaType::UInt, 1, -1, "Program time remaining"),
+                                          ControllerAddress::placeholder()));
+    const ControlSignal withoutRead =
+        sample->store.getChamberTypeData(ChamberTypeId(40, 0), true).controlSignals.value(43);
+    QVERIFY(withoutRead == ControlSignal(43, "Ctrl_Prog_Command", -1, ADVANCED, ControllerAddress::placeholder(),
+                                         ControllerAddress(4023, "1A22", ControllerAddress::WRITE_ONLY,
+                                                           QMetaType::UShort, 1, -1, "Program command")));
+    // Not part of the comparison.
+    QCOMPARE(withoutRead.userLevel, ADVANCED);
 }
 
 void TestSqlConfigurationDatabaseConnection::signalRows_data()
@@ -465,13 +445,6 @@ void TestSqlConfigurationDatabaseConnection::signalRows_data()
                          address(1001, "11400080", ControllerAddress::READ_ONLY, QMetaType::Float, 1, -1,
                                  "Temperature actual value"),
                          nullptr, nullptr, nullptr);
-    const Address register1021 =
-        address(1021, "11400300", ControllerAddress::READ_WRITE, QMetaType::UChar, 1, -1, "Fan speed");
-    QTest::newRow("names itself as its set point")
-        << 121
-        << ChamberSignal(121, "SP_Fan_Speed", Unit::PERCENT, QColor("magenta"), 0, ADVANCED, 0.0f, 100.0f, -1,
-                         ChamberSignal::SET_POINT_PROCESS_VALUE, nullptr, false, false, register1021, nullptr,
-                         register1021, nullptr);
     QTest::newRow("NULLs and an array register")
         << 144
         << ChamberSignal(144, "PV_Error_History", Unit::DIMENSIONLESS, QColor(), 0, LABORATORY,
@@ -585,7 +558,6 @@ void TestSqlConfigurationDatabaseConnection::defaultToleranceRange_data()
         << quint64(12) << 160 << false
         << relativeRange(QString::fromUtf8("CO₂"), 161, 160, Unit::VOLUME_PERCENT, 0.5f, 0.5f, 600, -1);
     QTest::newRow("set point id given as process value") << quint64(1) << 111 << false << DefaultToleranceRange();
-    QTest::newRow("range of another type") << quint64(2) << 121 << true << DefaultToleranceRange();
     QTest::newRow("NULL bounds and delays")
         << quint64(247) << 314 << true << relativeRange("Pressure", 314, 304, Unit::HECTOPASCAL, 0.0f, 0.0f, -1, -1);
 }
@@ -709,40 +681,29 @@ void TestSqlConfigurationDatabaseConnection::textInNumberColumns()
     // conversion's zero, not as the column's default.
     const std::unique_ptr<Fixture> fixture = purposeBuilt(R"(
 PRAGMA ignore_check_constraints = ON;
-INSERT INTO value_type VALUES (1, 'Temperature', '2', 'blue');
 INSERT INTO controller_data (id, address, variable_type, access, set_point_nr) VALUES (10, '0010', 'FLOAT', 'RW', 'x');
-INSERT INTO signal VALUES (1, 'S', '10', 'abc', NULL, '', '°C', 'abc', '1.5', 'high', '2', 'set_point', '1', '1',
-    'false', 'yes');
-INSERT INTO chamber_type VALUES (7, 'T', 'Z1', 'big', '', '', '', '', '', '', '3', 'x', '', NULL);
+INSERT INTO signal (id, name, read, write_basic, write_auto, user_level, limit_max, time_programmable,
+    week_programmable) VALUES (1, 'S', 10, 'abc', '', 'abc', 'high', 'false', 'yes');
+INSERT INTO chamber_type (id, type, size, setup_version_ende) VALUES (7, 'T', 'big', 'x');
 INSERT INTO chamber_type_has_signal VALUES (7, 1);
 )");
     QVERIFY(fixture->opened);
     QSignalSpy errors(&fixture->store, &Store::error);
 
-    const QSharedPointer<ChamberSignal> signal = fixture->store.getChamberSignal(1);
-    QVERIFY(signal);
-    QCOMPARE(signal->userLevel, NONE);
-    QCOMPARE(signal->limitMin, 1.5f);
-    QCOMPARE(signal->limitMax, 0.0f);
-    QCOMPARE(signal->bitPosition, 2);
-    QCOMPARE(signal->color, QColor("blue"));
-    QCOMPARE(signal->decimalPlaces, 2);
-    // "1" is its own id: no link.
-    QVERIFY(signal->setPointSignal.isNull());
-    QCOMPARE(signal->timeProgrammable, false);
-    QCOMPARE(signal->weekProgrammable, true);
-    QVERIFY(signal->read);
-    QCOMPARE(signal->read->setPointNr, 0);
-    // "abc" is register 0, which isn't there; the empty text is no register.
-    QVERIFY(signal->writeBasic.isNull());
-    QVERIFY(signal->writeAuto.isNull());
-
     const ChamberTypeData type = fixture->store.getChamberTypeData(ChamberTypeId(7, 0), true);
-    QCOMPARE(type.chamberTypeId, ChamberTypeId(7, 0));
     QCOMPARE(type.size, 0);
-    QCOMPARE(type.setupVersionStart, 3);
     QCOMPARE(type.setupVersionEnde, 0);
     QCOMPARE(type.chamberSignals.keys(), Ids{1});
+    const ChamberSignal signal = type.chamberSignals.value(1);
+    QCOMPARE(signal.userLevel, NONE);
+    QCOMPARE(signal.limitMax, 0.0f);
+    QCOMPARE(signal.timeProgrammable, false);
+    QCOMPARE(signal.weekProgrammable, true);
+    QVERIFY(signal.read);
+    QCOMPARE(signal.read->setPointNr, 0);
+    // "abc" is register 0, which isn't there; the empty text is no register.
+    QVERIFY(signal.writeBasic.isNull());
+    QVERIFY(signal.writeAuto.isNull());
     QCOMPARE(errors.count(), 0);
 }
 
