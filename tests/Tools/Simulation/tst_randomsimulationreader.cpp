@@ -16,30 +16,21 @@ using zelmor::domain::types::ControllerAddress;
 
 namespace {
 
-QSharedPointer<ControllerAddress> address(QString const& text, QMetaType::Type type)
-{
-    auto result = QSharedPointer<ControllerAddress>::create();
-    result->address = text;
-    result->type = type;
-    return result;
-}
-
 // Read 10 int, 11 float, 12 bool, 13 ushort, 14 uint; writeManual 15 float.
 QSharedPointer<ChamberTypeData> chamberType()
 {
     auto type = QSharedPointer<ChamberTypeData>::create();
-    QList<QPair<QString, QMetaType::Type>> const reads{
-        {"10", QMetaType::Int}, {"11", QMetaType::Float}, {"12", QMetaType::Bool}, {"13", QMetaType::UShort},
-        {"14", QMetaType::UInt}};
-    int key = 0;
-    for (auto const& read : reads) {
+    QList<QPair<QString, QMetaType::Type>> const addresses{{"10", QMetaType::Int}, {"11", QMetaType::Float},
+                                                           {"12", QMetaType::Bool}, {"13", QMetaType::UShort},
+                                                           {"14", QMetaType::UInt}, {"15", QMetaType::Float}};
+    for (auto const& entry : addresses) {
+        auto address = QSharedPointer<ControllerAddress>::create();
+        address->address = entry.first;
+        address->type = entry.second;
         ChamberSignal signal;
-        signal.read = address(read.first, read.second);
-        type->chamberSignals.insert(++key, signal);
+        (entry.first == "15" ? signal.writeManual : signal.read) = address;
+        type->chamberSignals.insert(type->chamberSignals.size() + 1, signal);
     }
-    ChamberSignal manual;
-    manual.writeManual = address("15", QMetaType::Float);
-    type->chamberSignals.insert(++key, manual);
     return type;
 }
 
@@ -50,85 +41,74 @@ class TestRandomSimulationReader : public QObject
     Q_OBJECT
 
 private slots:
-    void ranges_data();
-    void ranges();
-    void boolDrawsButNeverTurnsOn();
-    void unknownAddressLetsTheDeviceAskOn();
-    void writeIsTakenAndIgnored();
-};
+    void ranges_data()
+    {
+        QTest::addColumn<int>("address");
+        QTest::addColumn<int>("typeId");
+        QTest::addColumn<double>("top");
+        QTest::addColumn<double>("step");
 
-void TestRandomSimulationReader::ranges_data()
-{
-    QTest::addColumn<int>("address");
-    QTest::addColumn<int>("typeId");
-    QTest::addColumn<double>("top");
-    QTest::addColumn<double>("step");
-
-    QTest::newRow("int") << 0x10 << int(QMetaType::Int) << 99.0 << 1.0;
-    QTest::newRow("float") << 0x11 << int(QMetaType::Float) << 99.9 << 0.1;
-    QTest::newRow("ushort") << 0x13 << int(QMetaType::Int) << 99.0 << 1.0;
-    QTest::newRow("float by writeManual") << 0x15 << int(QMetaType::Float) << 99.9 << 0.1;
-}
-
-void TestRandomSimulationReader::ranges()
-{
-    QFETCH(int, address);
-    QFETCH(int, typeId);
-    QFETCH(double, top);
-    QFETCH(double, step);
-
-    RandomSimulationReader reader(chamberType());
-    QSet<double> distinct;
-    for (int i = 0; i < 2000; ++i) {
-        QVariant const value = reader.read(address);
-        QCOMPARE(value.userType(), typeId);
-        double const number = value.toDouble();
-        QVERIFY2(number >= 0.0 && number <= top + 1e-4, qPrintable(value.toString()));
-        double const steps = number / step;
-        QVERIFY2(std::abs(steps - std::round(steps)) < 1e-3, qPrintable(value.toString()));
-        distinct.insert(number);
+        QTest::newRow("int") << 0x10 << int(QMetaType::Int) << 99.0 << 1.0;
+        QTest::newRow("float") << 0x11 << int(QMetaType::Float) << 99.9 << 0.1;
+        QTest::newRow("ushort") << 0x13 << int(QMetaType::Int) << 99.0 << 1.0;
+        QTest::newRow("float by writeManual") << 0x15 << int(QMetaType::Float) << 99.9 << 0.1;
     }
-    // noise, not a constant
-    QVERIFY(distinct.size() > 50);
-}
 
-void TestRandomSimulationReader::boolDrawsButNeverTurnsOn()
-{
-    RandomSimulationReader reader(chamberType());
-    std::srand(7);
-    std::rand();
-    int const second = std::rand();
+    void ranges()
+    {
+        QFETCH(int, address);
+        QFETCH(int, typeId);
+        QFETCH(double, top);
+        QFETCH(double, step);
 
-    std::srand(7);
-    QVariant const value = reader.read(0x12);
-    QCOMPARE(value, QVariant(0));
-    QCOMPARE(value.userType(), int(QMetaType::Int));
-    // exactly one draw was used up
-    QCOMPARE(std::rand(), second);
-    for (int i = 0; i < 100; ++i)
-        QCOMPARE(reader.read(0x12), QVariant(0));
-}
+        RandomSimulationReader reader(chamberType());
+        QSet<double> distinct;
+        for (int i = 0; i < 2000; ++i) {
+            QVariant const value = reader.read(address);
+            QCOMPARE(value.userType(), typeId);
+            double const number = value.toDouble();
+            bool const onAStep = std::abs(number / step - std::round(number / step)) < 1e-3;
+            QVERIFY2(number >= 0.0 && number <= top + 1e-4 && onAStep, qPrintable(value.toString()));
+            distinct.insert(number);
+        }
+        // noise, not a constant
+        QVERIFY(distinct.size() > 50);
+    }
 
-void TestRandomSimulationReader::unknownAddressLetsTheDeviceAskOn()
-{
-    SimulationDevice device;
-    device.add(QSharedPointer<RandomSimulationReader>::create(chamberType()));
-    device.add(QSharedPointer<SimulationValueInt>::create(7, 7, 10.0f, 0x99, 0x14));
-    QCOMPARE(device.read(0x99), QVariant(7));
-    // a known address of an unsimulated type is unknown too
-    QCOMPARE(device.read(0x14), QVariant(7));
-    QVERIFY(!RandomSimulationReader(chamberType()).getType(0x10).isValid());
-    QVERIFY(!RandomSimulationReader(QSharedPointer<ChamberTypeData>()).read(0x10).isValid());
-}
+    void boolDrawsButNeverTurnsOn()
+    {
+        RandomSimulationReader reader(chamberType());
+        std::srand(7);
+        std::rand();
+        int const second = std::rand();
 
-void TestRandomSimulationReader::writeIsTakenAndIgnored()
-{
-    RandomSimulationReader reader(chamberType());
-    QVERIFY(reader.write(0x10, 5));
-    QVERIFY(reader.write(0x99, 5));
-    QVERIFY(reader.write(-1, QVariant()));
-    QVERIFY(!reader.read(0x99).isValid());
-}
+        std::srand(7);
+        QVariant const value = reader.read(0x12);
+        QCOMPARE(value, QVariant(0));
+        QCOMPARE(value.userType(), int(QMetaType::Int));
+        // exactly one draw was used up
+        QCOMPARE(std::rand(), second);
+        for (int i = 0; i < 100; ++i)
+            QCOMPARE(reader.read(0x12), QVariant(0));
+    }
+
+    void unknownAddressLetsTheDeviceAskOn()
+    {
+        SimulationDevice device;
+        auto random = QSharedPointer<RandomSimulationReader>::create(chamberType());
+        device.add(random);
+        device.add(QSharedPointer<SimulationValueInt>::create(7, 7, 10.0f, 0x99, 0x14));
+        QCOMPARE(device.read(0x99), QVariant(7));
+        // a known address of an unsimulated type is unknown too
+        QCOMPARE(device.read(0x14), QVariant(7));
+        QVERIFY(!random->getType(0x10).isValid());
+        // Writes are taken anywhere and change nothing.
+        QVERIFY(random->write(0x99, 5));
+        QVERIFY(random->write(-1, QVariant()));
+        QVERIFY(!random->read(0x99).isValid());
+        QVERIFY(!RandomSimulationReader(QSharedPointer<ChamberTypeData>()).read(0x10).isValid());
+    }
+};
 
 QTEST_GUILESS_MAIN(TestRandomSimulationReader)
 #include "tst_randomsimulationreader.moc"
