@@ -106,14 +106,14 @@ private slots:
         QTest::addColumn<bool>("accepted");
         QTest::addColumn<QVariant>("afterWrite");
 
-        QTest::newRow("CanidDoorOpen") << factory<CanidDoorOpen>() << 0x10010100 << QVariant(4369) << QVariant(0)
-                                       << false << QVariant(4369);
-        QTest::newRow("CanidFanSpeed") << factory<CanidFanSpeed>() << 0x112000E1 << QVariant(66.6f)
-                                       << QVariant(12.5f) << true << QVariant(12.5f);
-        QTest::newRow("CanidFanSpeed from text") << factory<CanidFanSpeed>() << 0x112000E1 << QVariant(66.6f)
-                                                 << QVariant(QStringLiteral("fast")) << true << QVariant(0.0f);
-        QTest::newRow("CanidHumiditySensor") << factory<CanidHumiditySensor>() << 0x100C1066 << QVariant(50.0f)
-                                             << QVariant(1.0f) << false << QVariant(50.0f);
+        auto row = [](char const* name, Factory const& make, int address, QVariant const& initial,
+                      QVariant const& written, bool accepted, QVariant const& afterWrite) {
+            QTest::newRow(name) << make << address << initial << written << accepted << afterWrite;
+        };
+        row("CanidDoorOpen", factory<CanidDoorOpen>(), 0x10010100, 4369, 0, false, 4369);
+        row("CanidFanSpeed", factory<CanidFanSpeed>(), 0x112000E1, 66.6f, 12.5f, true, 12.5f);
+        row("CanidFanSpeed from text", factory<CanidFanSpeed>(), 0x112000E1, 66.6f, "fast", true, 0.0f);
+        row("CanidHumiditySensor", factory<CanidHumiditySensor>(), 0x100C1066, 50.0f, 1.0f, false, 50.0f);
     }
 
     void fixedValues()

@@ -59,30 +59,29 @@ private slots:
         QTest::addColumn<int>("readAddress");
         QTest::addColumn<QVariant>("expected");
 
+        auto row = [](char const* name, int address, QVariant const& value, bool accepted, int readAddress,
+                      QVariant const& expected) {
+            QTest::newRow(name) << address << value << accepted << readAddress << expected;
+        };
         QVariant const none;
-        QTest::newRow("4261 fresh state") << 4261 << none << false << 4261 << word(1);
-        QTest::newRow("4262 fresh run time") << 4262 << none << false << 4262 << QVariant(0u);
-        QTest::newRow("4264 fresh remaining") << 4264 << none << false << 4264 << QVariant(0u);
-        QTest::newRow("4424 fresh short cell") << 4424 << none << false << 4424 << QVariant::fromValue(qint16(0));
-        QTest::newRow("4260 refused") << 4260 << QVariant(5) << false << 4260 << word(0);
-        QTest::newRow("4427 nothing") << 4427 << QVariant(5) << false << 4427 << none;
-        QTest::newRow("12290 refused") << 12290 << QVariant(5) << false << 12290 << word(0);
-        QTest::newRow("float into 4416") << 4416 << QVariant(1.5f) << true << 4416 << QVariant(1.5f);
-        QTest::newRow("text into 4440") << 4440 << QVariant(QStringLiteral("x")) << true << 4440
-                                        << QVariant(QStringLiteral("x"));
-        QTest::newRow("12288 stays 128") << 12288 << QVariant(5) << true << 12288 << QVariant(128u);
-        QTest::newRow("17152 refused") << 17152 << QVariant(QStringLiteral("Milky Way")) << false << 17152
-                                       << QVariant(QStringLiteral("Andromeda Galaxy"));
-        QTest::newRow("selected 20") << 12292 << QVariant(20) << true << 17152
-                                     << QVariant(QStringLiteral("Whirlpool Galaxy"));
-        QTest::newRow("selected 21") << 12292 << QVariant(21) << true << 17152
-                                     << QVariant(QStringLiteral("Not defined 21"));
-        QTest::newRow("selected 65536 wraps") << 12292 << QVariant(65536) << true << 17152
-                                              << QVariant(QStringLiteral("Andromeda Galaxy"));
-        QTest::newRow("selected -1") << 12292 << QVariant(-1) << true << 12292 << word(65535);
-        QTest::newRow("selected text is 0") << 12292 << QVariant(QStringLiteral("two")) << true << 12292 << word(0);
-        QTest::newRow("start 0 does nothing") << 4425 << QVariant(0) << true << 4261 << word(1);
-        QTest::newRow("stop with nothing running") << 4426 << QVariant(1) << true << 4261 << word(0);
+        row("4261 fresh state", 4261, none, false, 4261, word(1));
+        row("4262 fresh run time", 4262, none, false, 4262, 0u);
+        row("4264 fresh remaining", 4264, none, false, 4264, 0u);
+        row("4424 fresh short cell", 4424, none, false, 4424, QVariant::fromValue(qint16(0)));
+        row("4260 refused", 4260, 5, false, 4260, word(0));
+        row("4427 nothing", 4427, 5, false, 4427, none);
+        row("12290 refused", 12290, 5, false, 12290, word(0));
+        row("float into 4416", 4416, 1.5f, true, 4416, 1.5f);
+        row("text into 4440", 4440, "x", true, 4440, "x");
+        row("12288 stays 128", 12288, 5, true, 12288, 128u);
+        row("17152 refused", 17152, "Milky Way", false, 17152, "Andromeda Galaxy");
+        row("selected 20", 12292, 20, true, 17152, "Whirlpool Galaxy");
+        row("selected 21", 12292, 21, true, 17152, "Not defined 21");
+        row("selected 65536 wraps", 12292, 65536, true, 17152, "Andromeda Galaxy");
+        row("selected -1", 12292, -1, true, 12292, word(65535));
+        row("selected text is 0", 12292, "two", true, 12292, word(0));
+        row("start 0 does nothing", 4425, 0, true, 4261, word(1));
+        row("stop with nothing running", 4426, 1, true, 4261, word(0));
     }
 
     void registerMap()

@@ -188,15 +188,6 @@ private slots:
         float const expected = 23.3f + (30.0f - 23.3f) * (1.0f - std::exp(-1.0f));
         QVERIFY(qAbs(simulated.read(0x1A).toFloat() - expected) < 0.01f);
     }
-
-    void checkAddress()
-    {
-        QList<int> addresses;
-        SimulationSignal::checkAddress(QSharedPointer<ControllerAddress>(), addresses);
-        for (char const* text : {"ff", "0x10", "FF", "G1", " "})
-            SimulationSignal::checkAddress(address(QString::fromLatin1(text), QMetaType::Int), addresses);
-        QCOMPARE(addresses, (QList<int>{0xFF, 0x10}));
-    }
 };
 
 QTEST_GUILESS_MAIN(TestSimulationSignal)
