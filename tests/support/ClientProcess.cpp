@@ -22,38 +22,25 @@ from pymodbus.framer.rtu_framer import ModbusRtuFramer
 )";
 
 constexpr char operationsScript[] = R"(
-target = sys.argv[1].split(":")
-timeout = float(sys.argv[2])
-if target[0] == "tcp":
-    client = ModbusTcpClient(target[1], port=int(target[2]), timeout=timeout, retries=0)
-elif target[0] == "rtu-over-tcp":
-    client = ModbusTcpClient(target[1], port=int(target[2]), framer=ModbusRtuFramer, timeout=timeout, retries=0)
+kind, host, *rest = sys.argv[1].split(":")
+timeout, unit = float(sys.argv[2]), int(rest[-1])
+if kind == "rtu":
+    client = ModbusSerialClient(host, baudrate=9600, bytesize=8, parity="N", stopbits=1, timeout=timeout, retries=0)
 else:
-    client = ModbusSerialClient(target[1], baudrate=9600, bytesize=8, parity="N", stopbits=1,
-                                timeout=timeout, retries=0)
-unit = int(target[-1])
+    framer = {"framer": ModbusRtuFramer} if kind == "rtu-over-tcp" else {}
+    client = ModbusTcpClient(host, port=int(rest[0]), timeout=timeout, retries=0, **framer)
 if not client.connect():
     print("no connection")
     sys.exit(1)
+calls = {"holding": client.read_holding_registers, "input": client.read_input_registers,
+         "coils": client.read_coils, "register": client.write_register,
+         "registers": lambda address, *words, slave: client.write_registers(address, list(words), slave=slave),
+         "coil": lambda address, on, slave: client.write_coil(address, bool(on), slave=slave)}
 for operation in sys.argv[3:]:
     name, address, *numbers = operation.split(":")
-    address = int(address, 0)
     numbers = [int(n, 0) for n in numbers]
     try:
-        if name == "holding":
-            reply = client.read_holding_registers(address, numbers[0], slave=unit)
-        elif name == "input":
-            reply = client.read_input_registers(address, numbers[0], slave=unit)
-        elif name == "coils":
-            reply = client.read_coils(address, numbers[0], slave=unit)
-        elif name == "register":
-            reply = client.write_register(address, numbers[0], slave=unit)
-        elif name == "registers":
-            reply = client.write_registers(address, numbers, slave=unit)
-        elif name == "coil":
-            reply = client.write_coil(address, bool(numbers[0]), slave=unit)
-        else:
-            raise ValueError(name)
+        reply = calls[name](int(address, 0), *numbers, slave=unit)
     except Exception:
         reply = None
     if reply is None or (reply.isError() and not hasattr(reply, "exception_code")):
@@ -96,18 +83,15 @@ ClientResult runClient(QString const& program, QStringList const& arguments, int
 
 ClientResult runPymodbus(QString const& script, QStringList const& arguments, int timeoutMs)
 {
-    QStringList all{QStringLiteral("-c"), QLatin1String(pymodbusPreamble) + script};
-    all += arguments;
-    return runClient(QLatin1String(python), all, timeoutMs);
+    return runClient(QLatin1String(python), QStringList{"-c", pymodbusPreamble + script} + arguments, timeoutMs);
 }
 
 QStringList runModbusOperations(QString const& target, QStringList const& operations, double replyTimeoutS)
 {
-    QStringList arguments{target, QString::number(replyTimeoutS)};
-    arguments += operations;
     // Enough for every operation to time out once.
     int const timeoutMs = 10000 + static_cast<int>(replyTimeoutS * 1000) * (operations.size() + 1);
-    ClientResult const result = runPymodbus(QLatin1String(operationsScript), arguments, timeoutMs);
+    ClientResult const result = runPymodbus(QLatin1String(operationsScript),
+                                            QStringList{target, QString::number(replyTimeoutS)} + operations, timeoutMs);
     QStringList lines = outputLines(result);
     if (!result.finished || result.exitCode != 0)
         lines << QStringLiteral("client failed: ") + QString::fromUtf8(result.standardError);
@@ -131,10 +115,9 @@ bool hasMbpoll()
 QStringList outputLines(ClientResult const& result)
 {
     QStringList lines;
-    for (QString const& line : QString::fromUtf8(result.standardOutput).split(QLatin1Char('\n'))) {
+    for (QString const& line : QString::fromUtf8(result.standardOutput).split(QLatin1Char('\n')))
         if (!line.trimmed().isEmpty())
             lines << line.trimmed();
-    }
     return lines;
 }
 

@@ -115,12 +115,16 @@ void TestModbusSimulatorEndToEnd::checkConsole(SimulatorProcess& simulator, int 
 
 void TestModbusSimulatorEndToEnd::modbusTcp()
 {
-    if (!root || !hasPymodbus())
-        QSKIP("needs root (port 502) and python3-pymodbus");
+    if (!root || !hasPymodbus() || !hasMbpoll())
+        QSKIP("needs root (port 502), python3-pymodbus and mbpoll");
     int const from = kv2->standardOutput().size();
-    // Type 247's temperatures, floats low word first; a set point written and read back.
-    QCOMPARE(runModbusOperations(modbusTcpTarget, {"holding:0x1002:2", "registers:0x1102:0:16950", "holding:0x1102:2"}),
-             QStringList({"0 16816", "ok", "0 16950"}));
+    // Type 247's temperature, a float low word first.
+    QCOMPARE(runModbusOperations(modbusTcpTarget, {"holding:0x1002:2"}), QStringList{"0 16816"});
+    // mbpoll's floats are low word first as well: its set point written and read back.
+    QStringList const mbpoll{"-m", "tcp", "-a", "255", "-0", "-r", "4354", "-t", "4:float", "-1", modbusTcpAddress};
+    QCOMPARE(runClient("mbpoll", QStringList(mbpoll) << "--" << "-12.5").exitCode, 0);
+    ClientResult const read = runClient("mbpoll", mbpoll);
+    QVERIFY2(read.standardOutput.contains("[4354]: \t-12.5"), read.standardOutput.constData());
     checkConsole(*kv2, from, modbusTcpAddress, 30718, " Modbus: data changed!!\r\n");
 }
 

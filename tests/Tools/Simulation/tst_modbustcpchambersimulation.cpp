@@ -62,7 +62,6 @@ private slots:
     void pymodbusRequests();
     void frameBytes_data();
     void frameBytes();
-    void mbpollFloats();
 };
 
 void TestModbusTcpChamberSimulation::initTestCase()
@@ -181,22 +180,6 @@ void TestModbusTcpChamberSimulation::frameBytes()
     QByteArray answer;
     QTRY_VERIFY((answer += socket.readAll()).size() >= reply.size());
     QCOMPARE(answer.toHex(' '), reply.toHex(' '));
-}
-
-void TestModbusTcpChamberSimulation::mbpollFloats()
-{
-    if (!hasMbpoll())
-        QSKIP("mbpoll is missing");
-    Chamber chamber;
-    QVERIFY(chamber.started);
-    StreamCapture output(consoleOutput());
-    // mbpoll's own word order for floats is low word first, as the chamber's.
-    QStringList const common{"-m", "tcp", "-a", "255", "-0", "-r", "16", "-t", "4:float", "-1", chamber.ipAddress};
-    QCOMPARE(runClient("mbpoll", QStringList(common) << "--" << "-12.5").exitCode, 0);
-    QCOMPARE(chamber.reader->values.value(0x10), QVariant(-12.5f));
-    ClientResult const read = runClient("mbpoll", common);
-    QVERIFY2(read.standardOutput.contains("[16]: \t-12.5"), read.standardOutput.constData());
-    QCOMPARE(output.text(), QByteArray(" Modbus: data changed!!\r\n"));
 }
 
 QTEST_GUILESS_MAIN(TestModbusTcpChamberSimulation)
