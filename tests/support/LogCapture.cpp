@@ -3,8 +3,27 @@
 namespace zelmor::testsupport {
 
 namespace {
+
 LogCapture* active = nullptr;
+
+QString levelName(QtMsgType type)
+{
+    switch (type) {
+    case QtDebugMsg:
+        return QStringLiteral("debug");
+    case QtInfoMsg:
+        return QStringLiteral("info");
+    case QtWarningMsg:
+        return QStringLiteral("warning");
+    case QtCriticalMsg:
+        return QStringLiteral("critical");
+    case QtFatalMsg:
+        return QStringLiteral("fatal");
+    }
+    return QStringLiteral("unknown");
 }
+
+} // namespace
 
 LogCapture::LogCapture(const QString& categoryPrefix)
     : prefix_(categoryPrefix)
@@ -18,11 +37,6 @@ LogCapture::~LogCapture()
 {
     qInstallMessageHandler(previous_);
     active = nullptr;
-}
-
-QList<LogCapture::Record> LogCapture::records() const
-{
-    return records_;
 }
 
 QStringList LogCapture::texts() const
@@ -43,34 +57,12 @@ QStringList LogCapture::messages(QtMsgType type) const
     return texts;
 }
 
-void LogCapture::clear()
-{
-    records_.clear();
-}
-
-QString LogCapture::levelName(QtMsgType type)
-{
-    switch (type) {
-    case QtDebugMsg:
-        return QStringLiteral("debug");
-    case QtInfoMsg:
-        return QStringLiteral("info");
-    case QtWarningMsg:
-        return QStringLiteral("warning");
-    case QtCriticalMsg:
-        return QStringLiteral("critical");
-    case QtFatalMsg:
-        return QStringLiteral("fatal");
-    }
-    return QStringLiteral("unknown");
-}
-
 void LogCapture::handle(QtMsgType type, const QMessageLogContext& context, const QString& message)
 {
     LogCapture* capture = active;
     const QString category = QString::fromLatin1(context.category ? context.category : "default");
     if (capture && category.startsWith(capture->prefix_)) {
-        capture->records_.append({category, type, message});
+        capture->records_.append({type, message});
         return;
     }
     if (capture && capture->previous_)

@@ -8,7 +8,7 @@
 namespace zelmor::testsupport {
 
 // Records the log messages of the categories that start with a prefix, with
-// their category and level, while the object lives; messages of other
+// their level, while the object lives; messages of other
 // categories go on to the handler that was installed before. One at a time,
 // on the test's thread: captures don't nest.
 //
@@ -18,29 +18,24 @@ namespace zelmor::testsupport {
 class LogCapture
 {
 public:
-    struct Record
-    {
-        QString category;
-        QtMsgType type;
-        QString message;
-    };
-
     explicit LogCapture(const QString& categoryPrefix);
     ~LogCapture();
     LogCapture(const LogCapture&) = delete;
     LogCapture& operator=(const LogCapture&) = delete;
 
-    QList<Record> records() const;
     // "<level>: <message>" for each record, levels "debug", "info", "warning",
     // "critical", "fatal"; handy for one QCOMPARE over the whole sequence.
     QStringList texts() const;
     // The messages of one level only.
     QStringList messages(QtMsgType type) const;
-    void clear();
-
-    static QString levelName(QtMsgType type);
 
 private:
+    struct Record
+    {
+        QtMsgType type;
+        QString message;
+    };
+
     static void handle(QtMsgType type, const QMessageLogContext& context, const QString& message);
 
     QString prefix_;

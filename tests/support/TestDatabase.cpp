@@ -49,11 +49,6 @@ bool TestDatabase::isValid() const
     return dir_.isValid();
 }
 
-QString TestDatabase::path() const
-{
-    return dir_.path();
-}
-
 QString TestDatabase::filePath(const QString& fileName) const
 {
     return dir_.filePath(fileName);
@@ -68,7 +63,7 @@ QString TestDatabase::createEncrypted(const QString& fileName, const QString& sq
 QString TestDatabase::createPlain(const QString& fileName, const QString& sql)
 {
     const QString file = filePath(fileName);
-    return finish(file, runSqlite(file, sql));
+    return finish(file, runShell(QStringLiteral("sqlite3"), file, sql));
 }
 
 QString TestDatabase::createFile(const QString& fileName, const QByteArray& content)
@@ -91,16 +86,11 @@ TestDatabase::ShellResult TestDatabase::runSqlcipher(const QString& filePath, co
                                                      const QString& sql)
 {
     if (key.isEmpty())
-        return runSqlite(filePath, sql);
+        return runShell(QStringLiteral("sqlite3"), filePath, sql);
     QString escapedKey = key;
     escapedKey.replace(QLatin1Char('\''), QLatin1String("''"));
     return runShell(QStringLiteral("sqlcipher"), filePath,
                     QStringLiteral("PRAGMA key = '%1';\n").arg(escapedKey) + sql);
-}
-
-TestDatabase::ShellResult TestDatabase::runSqlite(const QString& filePath, const QString& sql)
-{
-    return runShell(QStringLiteral("sqlite3"), filePath, sql);
 }
 
 QString TestDatabase::finish(const QString& filePath, const ShellResult& result)

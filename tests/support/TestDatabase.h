@@ -34,8 +34,7 @@ public:
     TestDatabase();
 
     bool isValid() const;
-    // The temporary folder, and a path inside it.
-    QString path() const;
+    // A path inside the temporary folder.
     QString filePath(const QString& fileName) const;
 
     // Runs sql on <folder>/fileName with "PRAGMA key = '<key>';" first, making
@@ -51,10 +50,9 @@ public:
     // The standard error of the last failed create call.
     QString lastError() const;
 
-    // Runs sql through the shells on any file, e.g. to check what the code
+    // Runs sql through the shell on any file, e.g. to check what the code
     // under test wrote. An empty key runs "sqlite3" instead of "sqlcipher".
     static ShellResult runSqlcipher(const QString& filePath, const QString& key, const QString& sql);
-    static ShellResult runSqlite(const QString& filePath, const QString& sql);
 
 private:
     QString finish(const QString& filePath, const ShellResult& result);
