@@ -24,67 +24,59 @@ namespace {
 constexpr char namePrefix[] = "zelmor-test-";
 constexpr char namespaceFolder[] = "/run/netns/";
 
-struct IpResult
-{
-    bool ok = false;
-    QString output;
-};
-
-IpResult runIp(const QStringList& arguments)
+// "ip" with the words of `command`; false with the messages in `output` on failure.
+bool runIp(const QString& command, QString* output = nullptr)
 {
     QProcess process;
-    process.start(QStringLiteral("ip"), arguments);
-    IpResult result;
-    if (!process.waitForStarted(10000) || !process.waitForFinished(30000)) {
-        result.output = QStringLiteral("ip %1: %2").arg(arguments.join(QLatin1Char(' ')), process.errorString());
-        return result;
+    process.start(QStringLiteral("ip"), command.split(QLatin1Char(' ')));
+    const bool ok = process.waitForStarted(10000) && process.waitForFinished(30000)
+                    && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+    if (output) {
+        *output = QString::fromLocal8Bit(process.readAllStandardOutput() + process.readAllStandardError());
+        if (!ok)
+            *output = QStringLiteral("ip %1: %2 %3").arg(command, process.errorString(), *output);
     }
-    result.ok = process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
-    result.output = QString::fromLocal8Bit(process.readAllStandardOutput() + process.readAllStandardError());
-    return result;
+    return ok;
 }
 
 // Namespaces left behind by test runs that were killed: their process is gone.
 void removeOrphans()
 {
-    const QStringList names = QDir(QLatin1String(namespaceFolder))
-                                  .entryList(QStringList{QLatin1String(namePrefix) + QLatin1Char('*')}, QDir::Files);
     const QRegularExpression pattern(QStringLiteral("^%1(\\d+)-\\d+$").arg(QLatin1String(namePrefix)));
-    for (const QString& name : names) {
+    for (const QString& name : QDir(QLatin1String(namespaceFolder)).entryList(QDir::Files)) {
         const QRegularExpressionMatch match = pattern.match(name);
-        if (!match.hasMatch())
-            continue;
-        const pid_t owner = pid_t(match.captured(1).toInt());
+        const pid_t owner = match.hasMatch() ? pid_t(match.captured(1).toInt()) : 0;
         if (owner > 0 && ::kill(owner, 0) != 0 && errno == ESRCH)
-            runIp({QStringLiteral("netns"), QStringLiteral("delete"), name});
+            runIp(QStringLiteral("netns delete ") + name);
     }
 }
 
-// Runs `work` on a thread that has entered the namespace; sockets made there
-// stay in it.
-bool inNamespace(const QString& name, const std::function<void()>& work)
+// A socket made on a thread that has entered the namespace stays in it.
+int socketInside(const QString& name, const QString& address, quint16 port, int type,
+                 const std::function<int(int, const sockaddr*, socklen_t)>& call)
 {
-    bool entered = false;
-    std::thread thread([&] {
-        const QByteArray path = (QLatin1String(namespaceFolder) + name).toLocal8Bit();
-        const int descriptor = ::open(path.constData(), O_RDONLY | O_CLOEXEC);
-        if (descriptor < 0)
-            return;
-        entered = ::setns(descriptor, CLONE_NEWNET) == 0;
-        ::close(descriptor);
-        if (entered)
-            work();
-    });
-    thread.join();
-    return entered;
-}
-
-bool toSocketAddress(const QString& address, quint16 port, sockaddr_in& socketAddress)
-{
-    socketAddress = sockaddr_in{};
+    sockaddr_in socketAddress{};
     socketAddress.sin_family = AF_INET;
     socketAddress.sin_port = htons(port);
-    return ::inet_pton(AF_INET, address.toLatin1().constData(), &socketAddress.sin_addr) == 1;
+    if (::inet_pton(AF_INET, address.toLatin1().constData(), &socketAddress.sin_addr) != 1)
+        return -1;
+    int descriptor = -1;
+    std::thread thread([&] {
+        const int space = ::open((QLatin1String(namespaceFolder) + name).toLocal8Bit().constData(), O_RDONLY | O_CLOEXEC);
+        if (space < 0)
+            return;
+        if (::setns(space, CLONE_NEWNET) == 0) {
+            descriptor = ::socket(AF_INET, type | SOCK_CLOEXEC, 0);
+            if (descriptor >= 0
+                && call(descriptor, reinterpret_cast<const sockaddr*>(&socketAddress), sizeof socketAddress) != 0) {
+                ::close(descriptor);
+                descriptor = -1;
+            }
+        }
+        ::close(space);
+    });
+    thread.join();
+    return descriptor;
 }
 
 } // namespace
@@ -95,10 +87,11 @@ bool NetworkNamespace::isAvailable(QString* why)
         *why = QStringLiteral("needs root for network namespaces");
         return false;
     }
-    const IpResult result = runIp({QStringLiteral("netns"), QStringLiteral("list")});
-    if (!result.ok)
-        *why = QStringLiteral("\"ip netns\" is not available: ") + result.output;
-    return result.ok;
+    QString output;
+    const bool ok = runIp(QStringLiteral("netns list"), &output);
+    if (!ok)
+        *why = output;
+    return ok;
 }
 
 NetworkNamespace::NetworkNamespace()
@@ -107,17 +100,12 @@ NetworkNamespace::NetworkNamespace()
     removeOrphans();
     name_ = QLatin1String(namePrefix) + QString::number(QCoreApplication::applicationPid()) + QLatin1Char('-')
             + QString::number(++counter);
-    const IpResult created = runIp({QStringLiteral("netns"), QStringLiteral("add"), name_});
-    if (!created.ok) {
-        lastError_ = created.output;
-        return;
-    }
-    valid_ = ip({QStringLiteral("link"), QStringLiteral("set"), QStringLiteral("lo"), QStringLiteral("up")});
+    valid_ = runIp(QStringLiteral("netns add ") + name_, &lastError_) && ip({"link", "set", "lo", "up"});
 }
 
 NetworkNamespace::~NetworkNamespace()
 {
-    runIp({QStringLiteral("netns"), QStringLiteral("delete"), name_});
+    runIp(QStringLiteral("netns delete ") + name_);
 }
 
 bool NetworkNamespace::isValid() const
@@ -137,65 +125,36 @@ QString NetworkNamespace::lastError() const
 
 bool NetworkNamespace::ip(const QStringList& arguments)
 {
-    const IpResult result = runIp(QStringList{QStringLiteral("-n"), name_} + arguments);
-    if (!result.ok)
-        lastError_ = result.output;
-    return result.ok;
+    return runIp(QStringLiteral("-n %1 %2").arg(name_, arguments.join(QLatin1Char(' '))), &lastError_);
 }
 
 bool NetworkNamespace::addVethPair(const QString& first, const QString& second)
 {
-    return ip({QStringLiteral("link"), QStringLiteral("add"), first, QStringLiteral("type"), QStringLiteral("veth"),
-               QStringLiteral("peer"), QStringLiteral("name"), second})
-           && ip({QStringLiteral("link"), QStringLiteral("set"), first, QStringLiteral("up")})
-           && ip({QStringLiteral("link"), QStringLiteral("set"), second, QStringLiteral("up")});
+    return ip({"link", "add", first, "type", "veth", "peer", "name", second}) && ip({"link", "set", first, "up"})
+           && ip({"link", "set", second, "up"});
 }
 
 bool NetworkNamespace::addAddress(const QString& interfaceName, const QString& addressWithPrefix)
 {
-    return ip({QStringLiteral("address"), QStringLiteral("add"), addressWithPrefix, QStringLiteral("dev"),
-               interfaceName});
+    return ip({"address", "add", addressWithPrefix, "dev", interfaceName});
 }
 
 QString NetworkNamespace::macAddress(const QString& interfaceName)
 {
-    const IpResult result = runIp({QStringLiteral("-n"), name_, QStringLiteral("-o"), QStringLiteral("link"),
-                                   QStringLiteral("show"), QStringLiteral("dev"), interfaceName});
-    const QRegularExpressionMatch match =
-        QRegularExpression(QStringLiteral("link/ether ([0-9a-f:]{17})")).match(result.output);
+    QString output;
+    runIp(QStringLiteral("-n %1 -o link show dev %2").arg(name_, interfaceName), &output);
+    const QRegularExpressionMatch match = QRegularExpression(QStringLiteral("link/ether ([0-9a-f:]{17})")).match(output);
     return match.hasMatch() ? match.captured(1) : QString();
 }
 
 qintptr NetworkNamespace::connectedTcpSocket(const QString& address, quint16 port) const
 {
-    sockaddr_in peer;
-    if (!toSocketAddress(address, port, peer))
-        return -1;
-    int descriptor = -1;
-    inNamespace(name_, [&] {
-        descriptor = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        if (descriptor >= 0 && ::connect(descriptor, reinterpret_cast<sockaddr*>(&peer), sizeof peer) != 0) {
-            ::close(descriptor);
-            descriptor = -1;
-        }
-    });
-    return descriptor;
+    return socketInside(name_, address, port, SOCK_STREAM, ::connect);
 }
 
 qintptr NetworkNamespace::boundUdpSocket(const QString& address, quint16 port) const
 {
-    sockaddr_in local;
-    if (!toSocketAddress(address, port, local))
-        return -1;
-    int descriptor = -1;
-    inNamespace(name_, [&] {
-        descriptor = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-        if (descriptor >= 0 && ::bind(descriptor, reinterpret_cast<sockaddr*>(&local), sizeof local) != 0) {
-            ::close(descriptor);
-            descriptor = -1;
-        }
-    });
-    return descriptor;
+    return socketInside(name_, address, port, SOCK_DGRAM, ::bind);
 }
 
 } // namespace zelmor::testsupport

@@ -11,11 +11,8 @@ namespace zelmor::testsupport {
 
 namespace {
 
-constexpr char relativeWorkingDirectory[] = "a/b/c/work";
-constexpr char relativeHome[] = "home";
-constexpr char relativeDocuments[] = "home/Documents";
-constexpr char relativeConfig[] = "home/.config";
-constexpr char relativeRuntime[] = "runtime";
+constexpr char workingFolder[] = "a/b/c/work";
+constexpr char documentsFolder[] = "home/Documents";
 
 // The system calls in which an event loop waits (x86-64 numbers): poll,
 // select, epoll_wait, pselect6, ppoll, epoll_pwait, epoll_pwait2.
@@ -32,18 +29,14 @@ bool isWaitingSystemCall(const QByteArray& syscallLine)
 SimulatorProcess::SimulatorProcess()
     : environment_(QProcessEnvironment::systemEnvironment())
 {
-    const QDir root(dir_.path());
-    root.mkpath(QLatin1String(relativeWorkingDirectory));
-    root.mkpath(QLatin1String(relativeDocuments));
-    root.mkpath(QLatin1String(relativeConfig));
-    root.mkpath(QLatin1String(relativeRuntime));
-    QFile::setPermissions(root.filePath(QLatin1String(relativeRuntime)),
-                          QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
-    environment_.insert(QStringLiteral("HOME"), root.filePath(QLatin1String(relativeHome)));
-    environment_.insert(QStringLiteral("XDG_CONFIG_HOME"), root.filePath(QLatin1String(relativeConfig)));
-    environment_.insert(QStringLiteral("XDG_DOCUMENTS_DIR"), documentsDirectory());
-    environment_.insert(QStringLiteral("XDG_RUNTIME_DIR"), root.filePath(QLatin1String(relativeRuntime)));
-    process_.setWorkingDirectory(workingDirectory());
+    for (const char* folder : {workingFolder, documentsFolder, "home/.config", "runtime"})
+        QDir(dir_.path()).mkpath(QLatin1String(folder));
+    QFile::setPermissions(path("runtime"), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    environment_.insert(QStringLiteral("HOME"), path("home"));
+    environment_.insert(QStringLiteral("XDG_CONFIG_HOME"), path("home/.config"));
+    environment_.insert(QStringLiteral("XDG_DOCUMENTS_DIR"), path(documentsFolder));
+    environment_.insert(QStringLiteral("XDG_RUNTIME_DIR"), path("runtime"));
+    process_.setWorkingDirectory(path(workingFolder));
 }
 
 SimulatorProcess::~SimulatorProcess()
@@ -59,19 +52,14 @@ QString SimulatorProcess::executable()
     return binaryDir() + QStringLiteral("/bin/chamber-simulator");
 }
 
-QString SimulatorProcess::workingDirectory() const
+QString SimulatorProcess::path(const char* relative) const
 {
-    return QDir(dir_.path()).filePath(QLatin1String(relativeWorkingDirectory));
-}
-
-QString SimulatorProcess::documentsDirectory() const
-{
-    return QDir(dir_.path()).filePath(QLatin1String(relativeDocuments));
+    return QDir(dir_.path()).filePath(QLatin1String(relative));
 }
 
 bool SimulatorProcess::installCatalogue(const QString& sourceFile, const QString& relativeTarget)
 {
-    const QString target = QDir::cleanPath(workingDirectory() + QLatin1Char('/') + relativeTarget);
+    const QString target = QDir::cleanPath(path(workingFolder) + QLatin1Char('/') + relativeTarget);
     QDir().mkpath(QFileInfo(target).path());
     QFile::remove(target);
     return QFile::copy(sourceFile, target);
@@ -79,19 +67,19 @@ bool SimulatorProcess::installCatalogue(const QString& sourceFile, const QString
 
 bool SimulatorProcess::writeIni(const QByteArray& content)
 {
-    QFile file(workingDirectory() + QStringLiteral("/../ZELMOR4.ini"));
+    QFile file(path(workingFolder) + QStringLiteral("/../ZELMOR4.ini"));
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
 }
 
 QByteArray SimulatorProcess::documentsFile(const QString& name) const
 {
-    QFile file(documentsDirectory() + QLatin1Char('/') + name);
+    QFile file(path(documentsFolder) + QLatin1Char('/') + name);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 bool SimulatorProcess::hasDocumentsFile(const QString& name) const
 {
-    return QFile::exists(documentsDirectory() + QLatin1Char('/') + name);
+    return QFile::exists(path(documentsFolder) + QLatin1Char('/') + name);
 }
 
 QProcessEnvironment& SimulatorProcess::environment()
@@ -107,19 +95,10 @@ void SimulatorProcess::setNetworkNamespace(const QString& name)
 void SimulatorProcess::start(const QStringList& arguments)
 {
     process_.setProcessEnvironment(environment_);
-    if (networkNamespace_.isEmpty()) {
+    if (networkNamespace_.isEmpty())
         process_.start(executable(), arguments);
-    } else {
-        // "ip netns exec" replaces itself with the command: the process id stays.
-        process_.start(QStringLiteral("ip"),
-                       QStringList{QStringLiteral("netns"), QStringLiteral("exec"), networkNamespace_, executable()}
-                           + arguments);
-    }
-}
-
-bool SimulatorProcess::waitForStarted()
-{
-    return process_.waitForStarted(10000);
+    else // "ip netns exec" replaces itself with the command: the process id stays.
+        process_.start(QStringLiteral("ip"), QStringList{"netns", "exec", networkNamespace_, executable()} + arguments);
 }
 
 void SimulatorProcess::collect()
@@ -153,9 +132,7 @@ bool SimulatorProcess::waitUntilIdle(int timeoutMs)
     const QString syscallFile = QStringLiteral("/proc/%1/syscall").arg(process_.processId());
     QDeadlineTimer deadline(timeoutMs);
     int quietProbes = 0;
-    while (!deadline.hasExpired()) {
-        if (process_.state() == QProcess::NotRunning)
-            return false;
+    while (!deadline.hasExpired() && process_.state() != QProcess::NotRunning) {
         const QByteArray before = output_;
         collect();
         QFile file(syscallFile);
@@ -199,11 +176,6 @@ QProcess::ExitStatus SimulatorProcess::exitStatus() const
 qint64 SimulatorProcess::processId() const
 {
     return process_.processId();
-}
-
-QProcess& SimulatorProcess::process()
-{
-    return process_;
 }
 
 } // namespace zelmor::testsupport

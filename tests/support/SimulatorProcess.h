@@ -32,9 +32,6 @@ public:
 
     static QString executable();
 
-    QString workingDirectory() const;
-    QString documentsDirectory() const;
-
     // Copies a catalogue to a path relative to the working folder.
     bool installCatalogue(const QString& sourceFile,
                           const QString& relativeTarget = QStringLiteral("database/configuration.sqlite3"));
@@ -48,7 +45,6 @@ public:
     void setNetworkNamespace(const QString& name);
 
     void start(const QStringList& arguments);
-    bool waitForStarted();
     // Until standard output holds `text` (or the process ends without it).
     bool waitForOutput(const QByteArray& text, int timeoutMs = 10000);
     // Until the process has ended; false on timeout.
@@ -63,9 +59,9 @@ public:
     int exitCode() const;
     QProcess::ExitStatus exitStatus() const;
     qint64 processId() const;
-    QProcess& process();
 
 private:
+    QString path(const char* relative) const;
     void collect();
 
     QTemporaryDir dir_;

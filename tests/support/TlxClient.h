@@ -48,31 +48,28 @@ public:
 
     bool send(const QByteArray& bytes)
     {
-        if (socket_.write(bytes) != bytes.size())
-            return false;
-        return socket_.waitForBytesWritten(5000) || socket_.bytesToWrite() == 0;
+        return socket_.write(bytes) == bytes.size()
+               && (socket_.waitForBytesWritten(5000) || socket_.bytesToWrite() == 0);
     }
 
-    // One framed answer: a decimal length line, then that many characters.
+    // One framed answer: a decimal length line, then that many characters;
+    // whatever came when the length line is no number.
     QByteArray readFrame(int timeoutMs = 5000)
     {
         QDeadlineTimer deadline(timeoutMs);
         for (;;) {
             const int lineEnd = buffer_.indexOf("\r\n");
-            if (lineEnd >= 0) {
-                bool ok = false;
-                const int length = buffer_.left(lineEnd).toInt(&ok);
-                const int frameSize = lineEnd + 2 + length;
-                if (!ok)
-                    return takeAll();
-                if (buffer_.size() >= frameSize) {
-                    const QByteArray frame = buffer_.left(frameSize);
-                    buffer_.remove(0, frameSize);
-                    return frame;
-                }
+            bool ok = true;
+            const int frameSize = lineEnd < 0 ? -1 : lineEnd + 2 + buffer_.left(lineEnd).toInt(&ok);
+            if (!ok || (frameSize >= 0 && buffer_.size() >= frameSize)) {
+                const QByteArray frame = buffer_.left(ok ? frameSize : buffer_.size());
+                buffer_.remove(0, frame.size());
+                return frame;
             }
-            if (deadline.hasExpired() || !waitForMore(deadline))
+            if (socket_.bytesAvailable() == 0
+                && !socket_.waitForReadyRead(int(qMax<qint64>(1, deadline.remainingTime()))))
                 return QByteArray();
+            buffer_ += socket_.readAll();
         }
     }
 
@@ -87,41 +84,12 @@ public:
         return answer;
     }
 
-    // True when the peer closed the connection within the time.
-    bool waitForClosed(int timeoutMs = 5000)
-    {
-        QDeadlineTimer deadline(timeoutMs);
-        while (socket_.state() == QAbstractSocket::ConnectedState && !deadline.hasExpired()) {
-            if (!waitForMore(deadline))
-                break;
-        }
-        return socket_.state() != QAbstractSocket::ConnectedState;
-    }
-
-    // Whatever arrived and was not taken as a frame.
-    QByteArray takeAll()
-    {
-        buffer_ += socket_.readAll();
-        QByteArray all;
-        all.swap(buffer_);
-        return all;
-    }
-
     QTcpSocket& socket()
     {
         return socket_;
     }
 
 private:
-    bool waitForMore(const QDeadlineTimer& deadline)
-    {
-        if (socket_.bytesAvailable() == 0
-            && !socket_.waitForReadyRead(int(qMax<qint64>(1, deadline.remainingTime()))))
-            return false;
-        buffer_ += socket_.readAll();
-        return true;
-    }
-
     QTcpSocket socket_;
     QByteArray buffer_;
 };
