@@ -17,7 +17,6 @@ class MapReader : public simulation::SimulationReader
 public:
     QVariant read(int address) override
     {
-        ++reads;
         return values.value(address);
     }
 
@@ -34,7 +33,6 @@ public:
     QMap<int, QVariant> values;
     QSet<int> readOnly;
     QList<QPair<int, QVariant>> writes;
-    int reads = 0;
 };
 
 } // namespace zelmor::testsupport

@@ -25,7 +25,6 @@ class TestModbusChamberSimulation : public QObject
     Q_OBJECT
 
 private slots:
-    void connectionText();
     void initTestCase();
     void cleanupTestCase();
     void copyTowardsInputRegisters();
@@ -42,14 +41,6 @@ private:
     std::unique_ptr<ModbusChamberSimulation> chamber;
     bool ready = false;
 };
-
-void TestModbusChamberSimulation::connectionText()
-{
-    ModbusChamberSimulation const chamber(QSharedPointer<ChamberTypeData>::create(), QStringLiteral("COM3:1"));
-    QCOMPARE(chamber.getSerialPortName(), QStringLiteral("COM3"));
-    QCOMPARE(chamber.getServerAddress(), 1);
-    QCOMPARE(chamber.getProtocolId(), 1);
-}
 
 void TestModbusChamberSimulation::initTestCase()
 {
