@@ -114,7 +114,6 @@ private slots:
     void statementCalls();
     void executeTransaction_data();
     void executeTransaction();
-    void emptyDatabase_data();
     void emptyDatabase();
     void getDatabaseVersionInfo_data();
     void getDatabaseVersionInfo();
@@ -413,61 +412,47 @@ void TestSqliteConnection::executeTransaction()
     QCOMPARE(shell(path, QStringLiteral("SELECT name FROM p ORDER BY id DESC LIMIT 1;")), QStringLiteral("z"));
 }
 
-void TestSqliteConnection::emptyDatabase_data()
-{
-    QTest::addColumn<bool>("refuseDelete");
-    QTest::addColumn<bool>("result");
-    QTest::addColumn<QString>("contents");
-    QTest::addColumn<QStringList>("log");
-
-    QTest::newRow("all tables but the version")
-        << false << true << "0|0|17,19|0"
-        << QStringList{"info: Deactivated foreign key support.", "info: Activated foreign key support.",
-                       "info: Emptied all tables of database '%name%'"};
-    QTest::newRow("a delete fails")
-        << true << false << "2|2|17,19|1"
-        << QStringList{"info: Deactivated foreign key support.", "critical: child rows are kept",
-                       "warning: Failed to empty tables of database '%name%'", "info: Activated foreign key support."};
-}
-
 void TestSqliteConnection::emptyDatabase()
 {
-    QFETCH(bool, refuseDelete);
-    QFETCH(bool, result);
-    QFETCH(QString, contents);
-    QFETCH(QStringList, log);
-
     // The parent table comes first, so its rows go while the child's still
-    // point to them: only possible with foreign keys off.
-    QString sql = QStringLiteral(
+    // point to them: only possible with foreign keys off. A trigger makes the
+    // first attempt fail.
+    auto connection = openOn(QStringLiteral(
         "CREATE TABLE parent(id INTEGER PRIMARY KEY, name TEXT);"
         "CREATE TABLE child(id INTEGER PRIMARY KEY AUTOINCREMENT, parent_id INTEGER NOT NULL REFERENCES parent(id));"
         "CREATE TABLE database_version_info(version INTEGER);"
         "INSERT INTO parent VALUES (1, 'a'), (2, 'b');"
         "INSERT INTO child (parent_id) VALUES (1), (2);"
-        "INSERT INTO database_version_info VALUES (17), (19);");
-    if (refuseDelete)
-        sql += QStringLiteral("CREATE TRIGGER keep BEFORE DELETE ON child BEGIN SELECT RAISE(ABORT, 'child rows are kept'); END;");
-    auto connection = openOn(sql);
+        "INSERT INTO database_version_info VALUES (17), (19);"
+        "CREATE TRIGGER keep BEFORE DELETE ON child BEGIN SELECT RAISE(ABORT, 'child rows are kept'); END;"));
     QVERIFY(connection);
     QSignalSpy errors(connection.get(), &SqliteConnection::error);
-    log.replaceInStrings(QStringLiteral("%name%"), connection->getDatabaseFilePath());
-    {
-        LogCapture capture(category);
-        QCOMPARE(connection->emptyDatabase(), result);
-        QCOMPARE(logTexts(capture), log);
-    }
-    QCOMPARE(codesOf(errors), ErrorCodes{});
-    QCOMPARE(shell(path, QStringLiteral("SELECT (SELECT count(*) FROM parent) || '|' || (SELECT count(*) FROM child)"
-                                        " || '|' || (SELECT group_concat(version) FROM (SELECT version FROM"
-                                        " database_version_info ORDER BY version)) || '|' || (SELECT count(*) FROM"
-                                        " sqlite_sequence);")),
-             contents);
+    const QString name = connection->getDatabaseFilePath();
+    const QString off = QStringLiteral("info: Deactivated foreign key support.");
+    const QString on = QStringLiteral("info: Activated foreign key support.");
+    for (const bool fails : {true, false}) {
+        {
+            LogCapture capture(category);
+            QCOMPARE(connection->emptyDatabase(), !fails);
+            const QStringList expected = fails ? QStringList{off, "critical: child rows are kept",
+                                                             "warning: Failed to empty tables of database '" + name + "'", on}
+                                               : QStringList{off, on, "info: Emptied all tables of database '" + name + "'"};
+            QCOMPARE(logTexts(capture), expected);
+        }
+        QCOMPARE(codesOf(errors), ErrorCodes{});
+        QCOMPARE(shell(path, QStringLiteral("SELECT (SELECT count(*) FROM parent) || '|' || (SELECT count(*) FROM child)"
+                                            " || '|' || (SELECT group_concat(version) FROM (SELECT version FROM"
+                                            " database_version_info ORDER BY version)) || '|' || (SELECT count(*)"
+                                            " FROM sqlite_sequence);")),
+                 fails ? QStringLiteral("2|2|17,19|1") : QStringLiteral("0|0|17,19|0"));
 
-    // Foreign keys are on again: a dangling reference is refused.
-    QCOMPARE(connection->fetchSingleValue(FixedStatement(QStringLiteral("PRAGMA foreign_keys"))), QVariant(qlonglong(1)));
-    QVERIFY(!connection->execute(FixedStatement(QStringLiteral("INSERT INTO child (parent_id) VALUES (99)"))).success);
-    QCOMPARE(codesOf(errors), ErrorCodes{5});
+        // Foreign keys are on again: a dangling reference is refused.
+        QCOMPARE(connection->fetchSingleValue(FixedStatement(QStringLiteral("PRAGMA foreign_keys"))), QVariant(qlonglong(1)));
+        QVERIFY(!connection->execute(FixedStatement(QStringLiteral("INSERT INTO child (parent_id) VALUES (99)"))).success);
+        QCOMPARE(codesOf(errors), ErrorCodes{5});
+        errors.clear();
+        QVERIFY(connection->execute(FixedStatement(QStringLiteral("DROP TRIGGER IF EXISTS keep"))).success);
+    }
 }
 
 void TestSqliteConnection::getDatabaseVersionInfo_data()
