@@ -10,6 +10,9 @@ namespace {
 
 constexpr char python[] = "/usr/bin/python3";
 
+// Debian's pymodbus 3.0 imports serial_asyncio for its asyncio serial client
+// without depending on the package; a stand-in module takes its place when
+// it is missing, which the synchronous clients never touch.
 constexpr char pymodbusPreamble[] = R"(import sys, types
 try:
     import serial_asyncio

@@ -21,13 +21,9 @@ struct ClientResult
 // Runs a program with its arguments, killing it after timeoutMs.
 ClientResult runClient(QString const& program, QStringList const& arguments, int timeoutMs = 30000);
 
-// Runs a Python 3 script (/usr/bin/python3) whose first lines already have
-//   from pymodbus.client import ModbusTcpClient, ModbusSerialClient
-//   from pymodbus.framer.rtu_framer import ModbusRtuFramer
-// done. Debian's pymodbus 3.0 imports serial_asyncio for its asyncio serial
-// client without depending on the package; a stand-in module is put in its
-// place when it is missing, which the synchronous clients never touch.
-// The script gets `arguments` in sys.argv[1:].
+// Runs a Python 3 script (/usr/bin/python3) with pymodbus's ModbusTcpClient,
+// ModbusSerialClient and ModbusRtuFramer already imported, and `arguments`
+// in sys.argv[1:].
 ClientResult runPymodbus(QString const& script, QStringList const& arguments = {}, int timeoutMs = 30000);
 
 // Runs pymodbus's synchronous client against one server and does the
@@ -46,10 +42,8 @@ ClientResult runPymodbus(QString const& script, QStringList const& arguments = {
 // can't decode, or none, prints "error". Each client waits `replyTimeoutS`.
 QStringList runModbusOperations(QString const& target, QStringList const& operations, double replyTimeoutS = 3);
 
-// Whether runPymodbus can work here: python3 with pymodbus is installed.
+// Whether python3 with pymodbus, and mbpoll, are installed.
 bool hasPymodbus();
-
-// Whether mbpoll is on the PATH.
 bool hasMbpoll();
 
 // The lines of a client's standard output, trimmed, empty ones dropped.

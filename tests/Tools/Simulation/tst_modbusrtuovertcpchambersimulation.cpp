@@ -91,14 +91,13 @@ void TestModbusRtuOverTcpChamberSimulation::exchange_data()
     // Slave, function, register, quantity > slave, function, byte count, data.
     row("float: quantity 1 gives its first word; function 4 as 3, quantity high byte ignored",
         {"050301000001>0503020000", "050401000002>050404000041BC", "05030100FF02>050304000041BC"});
-    row("unsigned short, unknown, quantity 4", {"050302000004>050308 1234 00000000 0000"});
-    row("32-bit integers high byte first, float b1 b0 b3 b2",
-        {"050303000004>050308 11223344 00003F80", "050303500002>050304 A1B2C3D4"});
-    row("bool and short", {"050303200001>050302 0001", "050303300001>050302 FFFE"});
-    row("text ends the read, zeros pad", {"050303400003>050306 616263 000000"});
-    row("unknown: register 0 the int 1, else zeros at quantity 2 or 4",
-        {"050300000002>050304 00000001", "050304000002>050304 00000000", "050304000004>050308 0000000000000000"});
-    row("table values", {"050310870002>050304 FFFFFFFF", "050310B20002>050304 CCCD41A0", "0503130E0001>050302 003C"});
+    row("unsigned short then unknown at quantity 4; int and float; unsigned int; bool; short; text ends the read",
+        {"050302000004>050308 1234 00000000 0000", "050303000004>050308 11223344 00003F80",
+         "050303500002>050304 A1B2C3D4", "050303200001>050302 0001", "050303300001>050302 FFFE",
+         "050303400003>050306 616263 000000"});
+    row("unknown: the table's values at 0 and beyond 1000, else zeros at quantity 2 or 4",
+        {"050300000002>050304 00000001", "050310870002>050304 FFFFFFFF", "050310B20002>050304 CCCD41A0",
+         "0503130E0001>050302 003C", "050304000002>050304 00000000", "050304000004>050308 0000000000000000"});
     row("quantity 0, and 200: byte count 144, 400 bytes",
         {"050301000000>050300", "050310B600C8>050390" + QStringLiteral("00004120").repeated(100)});
 
