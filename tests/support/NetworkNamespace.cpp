@@ -108,21 +108,6 @@ NetworkNamespace::~NetworkNamespace()
     runIp(QStringLiteral("netns delete ") + name_);
 }
 
-bool NetworkNamespace::isValid() const
-{
-    return valid_;
-}
-
-QString NetworkNamespace::name() const
-{
-    return name_;
-}
-
-QString NetworkNamespace::lastError() const
-{
-    return lastError_;
-}
-
 bool NetworkNamespace::ip(const QStringList& arguments)
 {
     return runIp(QStringLiteral("-n %1 %2").arg(name_, arguments.join(QLatin1Char(' '))), &lastError_);

@@ -25,9 +25,9 @@ public:
     NetworkNamespace(const NetworkNamespace&) = delete;
     NetworkNamespace& operator=(const NetworkNamespace&) = delete;
 
-    bool isValid() const;
-    QString name() const;
-    QString lastError() const;
+    bool isValid() const { return valid_; }
+    QString name() const { return name_; }
+    QString lastError() const { return lastError_; }
 
     // "ip -n <name> <arguments>"; false with lastError() on failure.
     bool ip(const QStringList& arguments);

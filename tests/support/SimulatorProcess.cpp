@@ -82,16 +82,6 @@ bool SimulatorProcess::hasDocumentsFile(const QString& name) const
     return QFile::exists(path(documentsFolder) + QLatin1Char('/') + name);
 }
 
-QProcessEnvironment& SimulatorProcess::environment()
-{
-    return environment_;
-}
-
-void SimulatorProcess::setNetworkNamespace(const QString& name)
-{
-    networkNamespace_ = name;
-}
-
 void SimulatorProcess::start(const QStringList& arguments)
 {
     process_.setProcessEnvironment(environment_);
@@ -144,38 +134,6 @@ bool SimulatorProcess::waitUntilIdle(int timeoutMs)
         QTest::qWait(20);
     }
     return false;
-}
-
-bool SimulatorProcess::isRunning() const
-{
-    return process_.state() != QProcess::NotRunning;
-}
-
-QByteArray SimulatorProcess::standardOutput()
-{
-    collect();
-    return output_;
-}
-
-QByteArray SimulatorProcess::standardError()
-{
-    collect();
-    return error_;
-}
-
-int SimulatorProcess::exitCode() const
-{
-    return process_.exitCode();
-}
-
-QProcess::ExitStatus SimulatorProcess::exitStatus() const
-{
-    return process_.exitStatus();
-}
-
-qint64 SimulatorProcess::processId() const
-{
-    return process_.processId();
 }
 
 } // namespace zelmor::testsupport

@@ -40,9 +40,9 @@ public:
     QByteArray documentsFile(const QString& name) const;
     bool hasDocumentsFile(const QString& name) const;
 
-    QProcessEnvironment& environment();
+    QProcessEnvironment& environment() { return environment_; }
     // Runs the tool through "ip netns exec <name>".
-    void setNetworkNamespace(const QString& name);
+    void setNetworkNamespace(const QString& name) { networkNamespace_ = name; }
 
     void start(const QStringList& arguments);
     // Until standard output holds `text` (or the process ends without it).
@@ -52,13 +52,13 @@ public:
     // Until the main thread waits in the event loop with nothing left to say:
     // blocked in a poll-family system call. Returns false if it ends first.
     bool waitUntilIdle(int timeoutMs = 10000);
-    bool isRunning() const;
+    bool isRunning() const { return process_.state() != QProcess::NotRunning; }
 
-    QByteArray standardOutput();
-    QByteArray standardError();
-    int exitCode() const;
-    QProcess::ExitStatus exitStatus() const;
-    qint64 processId() const;
+    QByteArray standardOutput() { collect(); return output_; }
+    QByteArray standardError() { collect(); return error_; }
+    int exitCode() const { return process_.exitCode(); }
+    QProcess::ExitStatus exitStatus() const { return process_.exitStatus(); }
+    qint64 processId() const { return process_.processId(); }
 
 private:
     QString path(const char* relative) const;

@@ -279,7 +279,6 @@ void TestChamberFleetEndToEnd::tunnelledInstances_data()
     QTest::addColumn<int>("onFirst");  // chambers on the converter of 10.205.0.1
     QTest::addColumn<int>("onSecond"); // and of 10.205.0.2
     QTest::addColumn<QString>("lastRow"); // "%1": the hardware address
-    QTest::addColumn<QString>("extract"); // the whole file when not empty
 
     // The iterator moves on at the first chamber, whose converter is its
     // address; the next ones join that converter while the iterator waits
@@ -287,12 +286,9 @@ void TestChamberFleetEndToEnd::tunnelledInstances_data()
     QString const row = QStringLiteral("INSERT INTO \"chamber\" VALUES(%2,60,60,'666-%3',0,1,'VT 4021 Z3 at %4',"
                                        "'%5',NULL,'%1',%6,NULL,NULL,NULL,NULL,NULL,1,0);\n");
     QTest::newRow("3 on two addresses: all on the first converter")
-        << 3 << 3 << 0 << row.arg("%1", "1002", "100002", "10.205.0.2", "10.205.0.1", "3")
-        << row.arg("%1", "1000", "100000", "10.205.0.1", "10.205.0.1", "1")
-               + row.arg("%1", "1001", "100001", "10.205.0.2", "10.205.0.1", "2")
-               + row.arg("%1", "1002", "100002", "10.205.0.2", "10.205.0.1", "3");
+        << 3 << 3 << 0 << row.arg("%1", "1002", "100002", "10.205.0.2", "10.205.0.1", "3");
     QTest::newRow("200: 100 and 1, then the addresses have run out")
-        << 200 << 100 << 1 << row.arg("%1", "1100", "100100", "10.205.0.2", "10.205.0.2", "1") << QString();
+        << 200 << 100 << 1 << row.arg("%1", "1100", "100100", "10.205.0.2", "10.205.0.2", "1");
 }
 
 void TestChamberFleetEndToEnd::tunnelledInstances()
@@ -301,7 +297,6 @@ void TestChamberFleetEndToEnd::tunnelledInstances()
     QFETCH(int, onFirst);
     QFETCH(int, onSecond);
     QFETCH(QString, lastRow);
-    QFETCH(QString, extract);
     QString error;
     std::unique_ptr<NetworkNamespace> space = makeNamespace({"10.205.0.1/24", "10.205.0.2/24"}, {}, &error);
     QVERIFY2(error.isEmpty(), qPrintable(error));
@@ -323,8 +318,6 @@ void TestChamberFleetEndToEnd::tunnelledInstances()
     QString const rows = QString::fromUtf8(simulator.documentsFile(extractFile));
     QCOMPARE(rows.count(QLatin1Char('\n')), onFirst + onSecond);
     QVERIFY2(rows.endsWith(lastRow.arg(mac)), qPrintable(rows.right(300)));
-    if (!extract.isEmpty())
-        QCOMPARE(rows, extract.arg(mac));
 
     // Each converter answers its slaves only, and has one Wut responder.
     QByteArray const searchReply = QByteArray(22, '\0') + QByteArray::fromHex(mac.toLatin1().replace(':', ""));
