@@ -1,4 +1,5 @@
 #include "Base/Connection/DatabaseConnection/DatabaseConnection.h"
+#include "Base/Connection/DatabaseConnection/SqlQuery.h"
 #include "Base/Connection/DatabaseConnection/SqliteConnection.h"
 #include "Tools/Simulation/ChamberFleet.h"
 #include "Tools/Simulation/ChamberSimulation.h"
@@ -19,6 +20,7 @@
 
 using zelmor::base::connection::databaseconnection::DatabaseConnection;
 using zelmor::base::connection::databaseconnection::SqliteConnection;
+using zelmor::base::connection::databaseconnection::SqlQuery;
 using zelmor::simulation::ChamberSimulation;
 using zelmor::simulation::consoleEndLine;
 using zelmor::simulation::consoleOutput;
@@ -112,21 +114,6 @@ void attachValueFile(QSharedPointer<ChamberSimulation> const& chamber, QString c
         chamber->setSimulationReader(QSharedPointer<zelmor::simulation::XmlSimulationReader>::create(valueFilePath));
 }
 
-bool openConfigurationDatabase(SqliteConnection& connection, QString const& iniDatabasePath)
-{
-    QString const key = QLatin1String(configurationDatabaseKey);
-    if (!iniDatabasePath.isEmpty()) {
-        consoleOutput() << "Reading database " << iniDatabasePath << consoleEndLine;
-        return connection.openDatabase(iniDatabasePath, QString(), QString(), key);
-    }
-    consoleOutput() << "Reading database in default folders" << consoleEndLine;
-    for (char const* path : defaultDatabasePaths) {
-        if (connection.openDatabase(QLatin1String(path), QString(), QString(), key))
-            return true;
-    }
-    return false;
-}
-
 // The catalogue is never written. Holding the engine's shared lock from one
 // statement to the next spares the file checks that each statement would make
 // on its own (about ten system calls), which dominate loading a large catalogue.
@@ -134,6 +121,32 @@ void holdCatalogueReadLock(SqliteConnection& connection)
 {
     QSqlQuery query(connection.getDatabase());
     query.exec(QStringLiteral("PRAGMA locking_mode = EXCLUSIVE"));
+}
+
+// A wrong key still opens: the engine only tells at the first statement that
+// reads a page. Such a catalogue counts as not opened.
+bool openReadableCatalogue(SqliteConnection& connection, QString const& path)
+{
+    if (!connection.openDatabase(path, QString(), QString(), QLatin1String(configurationDatabaseKey)))
+        return false;
+    holdCatalogueReadLock(connection);
+    SqlQuery probe;
+    probe.selectCount(SqlQuery::ALL, QString()).fromTable(QStringLiteral("sqlite_master"));
+    return connection.fetchSingleValue(probe).isValid();
+}
+
+bool openConfigurationDatabase(SqliteConnection& connection, QString const& iniDatabasePath)
+{
+    if (!iniDatabasePath.isEmpty()) {
+        consoleOutput() << "Reading database " << iniDatabasePath << consoleEndLine;
+        return openReadableCatalogue(connection, iniDatabasePath);
+    }
+    consoleOutput() << "Reading database in default folders" << consoleEndLine;
+    for (char const* path : defaultDatabasePaths) {
+        if (openReadableCatalogue(connection, QLatin1String(path)))
+            return true;
+    }
+    return false;
 }
 
 } // namespace
@@ -199,7 +212,6 @@ int main(int argc, char* argv[])
 
     if (!openConfigurationDatabase(configurationConnection, iniDatabasePath))
         return databaseNotOpened;
-    holdCatalogueReadLock(configurationConnection);
 
     if (!automaticAddress.isEmpty()) {
         QList<QSharedPointer<ChamberSimulation>> const fleet =

@@ -288,8 +288,8 @@ void TestChamberSimulatorEndToEnd::commandLine_data()
     // a file that can't be read answers 0 for every address.
     row("-x on a missing value file", {"tlx", "-i127.0.57.32", "-x/nonexistent-zelmor/values.xml"}, inDefault, -1,
         type1 + startLine("HX 60 Z6", 32), {}, 32, get("12345678", "0"));
-    // A wrong key opens; the catalogue then reads nothing, so no type fits.
-    row("wrong key: no chamber, no exit", {"tlx", "-i127.0.57.30"}, "wrong key", -1, readingDefault);
+    // A wrong key opens, but the first read fails: the catalogue counts as not opened.
+    row("wrong key", {"tlx", "-i127.0.57.30"}, "wrong key", notOpened, readingDefault);
 }
 
 void TestChamberSimulatorEndToEnd::commandLine()
