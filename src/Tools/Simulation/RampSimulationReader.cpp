@@ -1,5 +1,7 @@
 #include "Tools/Simulation/RampSimulationReader.h"
 
+#include "Tools/Simulation/ConsoleOutput.h"
+
 #include "Domain/Types/ChamberTypeData.h"
 #include "Domain/Types/ControllerAddress.h"
 
@@ -79,7 +81,7 @@ QMap<int, QMetaType::Type> RampSimulationReader::getAddressTypes(domain::types::
 
 QVariant RampSimulationReader::read(int address)
 {
-    QTextStream(stdout) << "Read Address: " << address << "\r\n";
+    consoleOutput() << "Read Address: " << address << consoleEndLine;
 
     // operator[] on purpose: an unknown address is remembered with type 0.
     QMetaType::Type const type = types[address];

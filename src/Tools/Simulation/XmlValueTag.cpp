@@ -1,8 +1,8 @@
 #include "Tools/Simulation/XmlValueTag.h"
 
-#include <QTextStream>
+#include "Tools/Simulation/ConsoleOutput.h"
 
-#include <cstdio>
+#include <QTextStream>
 
 namespace zelmor {
 namespace simulation {
@@ -56,8 +56,7 @@ bool XmlValueTag::characters(QString const& ch)
 
 bool XmlValueTag::error(QXmlParseException const& exception)
 {
-    QTextStream out(stdout);
-    out << exception.message() << "\r\n";
+    consoleOutput() << exception.message() << consoleEndLine;
     return true;
 }
 

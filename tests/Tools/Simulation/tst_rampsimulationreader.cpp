@@ -1,16 +1,15 @@
 #include "Domain/Types/ChamberTypeData.h"
 #include "Domain/Types/ControllerAddress.h"
+#include "Tools/Simulation/ConsoleOutput.h"
 #include "Tools/Simulation/RampSimulationReader.h"
+#include "support/StreamCapture.h"
 
-#include <QTemporaryFile>
 #include <QtTest>
-
-#include <cstdio>
-#include <unistd.h>
 
 using namespace zelmor::simulation;
 using zelmor::domain::types::ChamberTypeData;
 using zelmor::domain::types::ControllerAddress;
+using zelmor::testsupport::StreamCapture;
 
 namespace {
 
@@ -35,33 +34,6 @@ QSharedPointer<ChamberTypeData> chamberType()
     type->chamberSignals[9].writeBasic = address("30", QMetaType::Int);
     return type;
 }
-
-// Standard output into a temporary file until take(): the reader echoes
-// every read there.
-class StdoutCapture
-{
-public:
-    StdoutCapture()
-    {
-        std::fflush(stdout);
-        file.open();
-        saved = ::dup(STDOUT_FILENO);
-        ::dup2(file.handle(), STDOUT_FILENO);
-    }
-
-    QByteArray take()
-    {
-        std::fflush(stdout);
-        ::dup2(saved, STDOUT_FILENO);
-        ::close(saved);
-        file.seek(0);
-        return file.readAll();
-    }
-
-private:
-    QTemporaryFile file;
-    int saved = -1;
-};
 
 QVariantList counting(int from, int to, bool asFloat)
 {
@@ -102,11 +74,10 @@ private slots:
         QFETCH(QVariantList, expected);
 
         RampSimulationReader reader(chamberType());
-        StdoutCapture quiet;
+        StreamCapture quiet(consoleOutput());
         QVariantList seen;
         for (int i = 0; i < expected.size(); ++i)
             seen << reader.read(address);
-        quiet.take();
         QCOMPARE(seen, expected);
         for (int i = 0; i < expected.size(); ++i)
             QCOMPARE(seen.at(i).userType(), expected.at(i).userType());
@@ -116,12 +87,12 @@ private slots:
     void addressesRampIndependentlyAndWritesChangeNothing()
     {
         RampSimulationReader reader(chamberType());
-        StdoutCapture capture;
+        StreamCapture capture(consoleOutput());
         QVariantList seen{reader.read(0x10), reader.read(0x11), reader.read(0x10)};
         seen << reader.write(0x10, 99) << reader.write(-5, QVariant());
         seen << reader.read(0x10) << reader.read(0x11) << reader.read(-3);
         seen << RampSimulationReader(QSharedPointer<ChamberTypeData>()).read(0x10);
-        QCOMPARE(capture.take(), QByteArray("Read Address: 16\r\nRead Address: 17\r\nRead Address: 16\r\n"
+        QCOMPARE(capture.text(), QByteArray("Read Address: 16\r\nRead Address: 17\r\nRead Address: 16\r\n"
                                             "Read Address: 16\r\nRead Address: 17\r\nRead Address: -3\r\n"
                                             "Read Address: 16\r\n"));
         QCOMPARE(seen, (QVariantList{20, 20.0f, 21, true, true, 22, 21.0f, 32.5f, 32.5f}));
