@@ -47,8 +47,8 @@ struct NameRow
     const char* name; // null: the assertion stops the program
 };
 
-// Names that no creation statement or catalogue read below shows, and numbers
-// that name no enumerator. The child process runs a row by its tag.
+// Names that no creation statement or catalogue read below shows, the text
+// maps, and numbers that name no enumerator. The child process runs a row by its tag.
 const QList<NameRow>& nameRows()
 {
     using DC = DatabaseConnection;
@@ -58,6 +58,16 @@ const QList<NameRow>& nameRows()
         {"Chamber 18, not created", [] { return DC::lookupChamberColumnName(ChamberProperty(18)); }, "converter_id"},
         {"GlobalSettings 44, the last", [] { return DC::lookupGlobalSettingsColumnName(GlobalSettingsProperty(44)); },
          "sirenbox_is_active"},
+        {"signal type set_point", [] { return QString::number(DC::signalTypeMap.value("set_point")); }, "1"},
+        {"signal type unknown", [] { return QString::number(DC::signalTypeMap.value("SET_POINT")); }, "0"},
+        {"access WO", [] { return QString::number(DC::accessMap.value("WO")); }, "1"},
+        {"access empty", [] { return QString::number(DC::accessMap.value("")); }, "3"},
+        {"variable INT8 is a plain int", [] { return QString::number(DC::variableTypeMap.value("INT8")); }, "2"},
+        {"variable INT16", [] { return QString::number(DC::variableTypeMap.value("INT16")); }, "33"},
+        {"variable with array size", [] { return QString::number(DC::variableTypeMap.value("UINT16[4]")); }, "0"},
+        // Nothing in this program registers the type but the map's filling.
+        {"variable INT10", [] { return QString::fromLatin1(QMetaType::typeName(DC::variableTypeMap.value("INT10"))); },
+         "zelmor::domain::types::Int10"},
         {"Chamber 19, past the last", [] { return DC::lookupChamberColumnName(ChamberProperty(19)); }, nullptr},
         {"Recording 4096, a gap in the bits", [] { return DC::lookupRecordingColumnName(RecordingProperty(4096)); },
          nullptr},
@@ -234,10 +244,8 @@ class TestDatabaseConnection : public QObject
 private slots:
     void initTestCase();
 
-    void names_data();
-    void names();
-    void textMaps_data();
-    void textMaps();
+    void lookups_data();
+    void lookups();
 
     void createTable_data();
     void createTable();
@@ -259,7 +267,7 @@ void TestDatabaseConnection::initTestCase()
     QVERIFY(files.isValid());
 }
 
-void TestDatabaseConnection::names_data()
+void TestDatabaseConnection::lookups_data()
 {
     QTest::addColumn<Name>("lookup");
     QTest::addColumn<QString>("name");
@@ -267,7 +275,7 @@ void TestDatabaseConnection::names_data()
         QTest::newRow(row.tag) << row.lookup << QString::fromLatin1(row.name);
 }
 
-void TestDatabaseConnection::names()
+void TestDatabaseConnection::lookups()
 {
     QFETCH(Name, lookup);
     QFETCH(QString, name);
@@ -282,38 +290,6 @@ void TestDatabaseConnection::names()
     QCOMPARE(child.exitStatus(), QProcess::CrashExit);
     QCOMPARE(child.readAllStandardOutput(), QByteArray());
     QVERIFY2(standardError.contains(QLatin1String("ASSERT: \"false\" in file")), qPrintable(standardError));
-}
-
-void TestDatabaseConnection::textMaps_data()
-{
-    QTest::addColumn<QString>("map");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<int>("number");
-
-    QTest::newRow("signal type set_point") << "signalType" << "set_point" << 1;
-    QTest::newRow("signal type unknown") << "signalType" << "SET_POINT" << 0;
-    QTest::newRow("access WO") << "access" << "WO" << 1;
-    QTest::newRow("access empty") << "access" << "" << 3;
-    QTest::newRow("variable INT8 is a plain int") << "variableType" << "INT8" << 2;
-    QTest::newRow("variable INT16") << "variableType" << "INT16" << 33;
-    QTest::newRow("variable with array size") << "variableType" << "UINT16[4]" << 0;
-    // Nothing in this program registers the type but the map's filling.
-    const int int10 = QMetaType::type("zelmor::domain::types::Int10");
-    QVERIFY(int10 >= QMetaType::User);
-    QTest::newRow("variable INT10") << "variableType" << "INT10" << int10;
-}
-
-void TestDatabaseConnection::textMaps()
-{
-    QFETCH(QString, map);
-    QFETCH(QString, text);
-    QFETCH(int, number);
-    if (map == QLatin1String("signalType"))
-        QCOMPARE(int(DatabaseConnection::signalTypeMap.value(text)), number);
-    else if (map == QLatin1String("access"))
-        QCOMPARE(int(DatabaseConnection::accessMap.value(text)), number);
-    else
-        QCOMPARE(int(DatabaseConnection::variableTypeMap.value(text)), number);
 }
 
 // ---------------------------------------------------------------------------

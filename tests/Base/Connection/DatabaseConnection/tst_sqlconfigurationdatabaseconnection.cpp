@@ -169,7 +169,6 @@ private slots:
     void signalLists_data();
     void signalLists();
     void matchingSignals();
-    void timeProgrammableSignals();
     void defaultToleranceRange_data();
     void defaultToleranceRange();
     void signalDelayAndUnit();
@@ -285,9 +284,7 @@ void TestSqlConfigurationDatabaseConnection::allChamberTypes()
              QStringList({"1/1001", "2/1002", "2/1003", "3/1004", "9/1009", "11/0", "12/1012", "30/1030", "31/0",
                           "32/0", "40/1040", "41/0", "50/1050", "60/0", "61/0", "62/0", "63/0", "70/1070", "80/0",
                           "90/0", "247/1247"}));
-    for (const ChamberTypeData& type : types) {
-        QVERIFY(type.chamberSignals.isEmpty() && type.controlSignals.isEmpty());
-    }
+    QVERIFY(types.at(0).chamberSignals.isEmpty() && types.at(0).controlSignals.isEmpty());
     // Every type with a time-programmable signal, type 9 included although its
     // options offer week programs only.
     const QList<ChamberTypeData> programmable = sample->store.getAllProgrammableChamberTypeData();
@@ -307,6 +304,7 @@ void TestSqlConfigurationDatabaseConnection::chamberTypeVariants_data()
         << ChamberTypeId(1, 0) << QString::fromUtf8("1/1001 HX 60 Z6, TLX, HX60-Z6-0001, Standardausführung, 4");
     QTest::newRow("second of two variants")
         << ChamberTypeId(2, 1003) << "2/1003 HX 120 Z6, TLX, HX120-Z6-0011, Mit Feuchteregelung und Innenbeleuchtung, 4";
+    QTest::newRow("no variants, two protocols") << ChamberTypeId(31, 0) << "31/0 MKF 240 E2, KV2, , , 2 3";
     QTest::newRow("two variants, none chosen") << ChamberTypeId(2, 0) << "";
     // No row: the empty row has the wrong width.
     QTest::newRow("unknown type") << ChamberTypeId(1935, 0) << "";
@@ -322,7 +320,6 @@ void TestSqlConfigurationDatabaseConnection::chamberTypeVariants()
     QCOMPARE(errorCodes(errors), summary.isEmpty() ? QList<int>{UNEXPECTED_RESULT} : QList<int>());
     if (summary.isEmpty()) {
         QVERIFY(type == ChamberTypeData());
-        QCOMPARE(type.setupVersionStart, -1);
         return;
     }
     QStringList protocols;
@@ -349,10 +346,8 @@ void TestSqlConfigurationDatabaseConnection::wholeChamberType()
     QCOMPARE(errors.count(), 0);
 
     const ChamberTypeData options = sample->store.getChamberTypeData(ChamberTypeId(30, 0), false);
-    QCOMPARE(options.options, QList<ChamberOption>({{"Bedewing_Protection", false},
-                                                    {"Program_Progressbar", false},
-                                                    {"TimeProgram", true},
-                                                    {"OperatingModeSwitching", true},
+    QCOMPARE(options.options, QList<ChamberOption>({{"Bedewing_Protection", false}, {"Program_Progressbar", false},
+                                                    {"TimeProgram", true}, {"OperatingModeSwitching", true},
                                                     {"Readable_DataStorage", true}}));
     QVERIFY(options.furtherOptions.isEmpty());
 
@@ -416,6 +411,14 @@ void TestSqlConfigurationDatabaseConnection::signalLists_data()
             ids.append(signal.id);
         return ids;
     }) << Ids{702, 701, 703};
+    // By the set point number of the manual write register (1, 2, 3); 314 has none and is left out.
+    // Each signal is followed by the process value of its set point's default range.
+    QTest::newRow("time-programmable with their ranges") << IdsOperation([](Store& s) {
+        Ids ids;
+        for (const auto& pair : s.getTimeProgrammableChamberSignals(ChamberTypeId(247, 0)))
+            ids << pair.first.id << pair.second.processValueSignal;
+        return ids;
+    }) << Ids{311, 301, 312, 302, 310, -1};
 }
 
 void TestSqlConfigurationDatabaseConnection::signalLists()
@@ -442,22 +445,6 @@ void TestSqlConfigurationDatabaseConnection::matchingSignals()
     // The values are whole signals, registers included.
     QCOMPARE(matches.value(401).unit, Unit::FAHRENHEIT);
     QVERIFY(matches.value(401).read);
-}
-
-void TestSqlConfigurationDatabaseConnection::timeProgrammableSignals()
-{
-    QSignalSpy errors(&sample->store, &Store::error);
-    const QList<std::pair<ChamberSignal, DefaultToleranceRange>> result =
-        sample->store.getTimeProgrammableChamberSignals(ChamberTypeId(247, 0));
-
-    // By the set point number of the manual write register (1, 2, 3); 314 has
-    // none and is left out. Each comes with its set point's default range.
-    QCOMPARE(result.size(), 3);
-    QCOMPARE(Ids({result.at(0).first.id, result.at(1).first.id, result.at(2).first.id}), Ids({311, 312, 310}));
-    QCOMPARE(result.at(1).second,
-             relativeRange("Humidity", 312, 302, Unit::RELATIVE_HUMIDITY_RF, 3.0f, 3.0f, 300, 20));
-    QCOMPARE(result.at(2).second, DefaultToleranceRange());
-    QCOMPARE(errors.count(), 0);
 }
 
 void TestSqlConfigurationDatabaseConnection::defaultToleranceRange_data()
@@ -612,59 +599,58 @@ INSERT INTO chamber_type_has_tolerance_range VALUES (5, 1), (5, 2);
 void TestSqlConfigurationDatabaseConnection::rowsOfWrongWidth_data()
 {
     QTest::addColumn<QString>("marker");
-    QTest::addColumn<Operation>("operation");
-    QTest::addColumn<int>("expectedErrors");
+    QTest::addColumn<IdsOperation>("operation");
+    QTest::addColumn<Ids>("expected");
+    QTest::addColumn<int>("errorCount");
 
-    const ChamberTypeId type1(1, 1001);
     // Type 1 has 13 signals, 7 control signals and 6 options.
-    QTest::newRow("chamber type row")
-        << " FROM chamber_type WHERE"
-        << Operation([type1](Store& s) { return s.getChamberTypeData(type1, true) == ChamberTypeData(); }) << 1;
-    QTest::newRow("control signal rows, the rest stays")
-        << " FROM control_signals" << Operation([type1](Store& s) {
-               const ChamberTypeData type = s.getChamberTypeData(type1, true);
-               return type.controlSignals.isEmpty() && type.chamberSignals.size() == 13 && type.options.size() == 6;
-           })
-        << 7;
-    QTest::newRow("option rows, the rest stays") << " FROM options" << Operation([type1](Store& s) {
-        const ChamberTypeData type = s.getChamberTypeData(type1, true);
-        return type.options.isEmpty() && type.chamberSignals.size() == 13 && type.controlSignals.size() == 7;
-    }) << 6;
+    const IdsOperation type1 = [](Store& s) {
+        const ChamberTypeData type = s.getChamberTypeData(ChamberTypeId(1, 1001), true);
+        return Ids{int(type.chamberTypeId.typeId), type.chamberSignals.size(), type.controlSignals.size(),
+                   type.options.size()};
+    };
+    const auto sizeOf = [](auto read) { return IdsOperation([read](Store& s) { return Ids{int(read(s).size())}; }); };
+    QTest::newRow("chamber type row") << " FROM chamber_type WHERE" << type1 << Ids{0, 0, 0, 0} << 1;
+    QTest::newRow("control signal rows, the rest stays") << " FROM control_signals" << type1 << Ids{1, 13, 0, 6} << 7;
+    QTest::newRow("option rows, the rest stays") << " FROM options" << type1 << Ids{1, 13, 7, 0} << 6;
     QTest::newRow("signal rows of a type")
-        << " FROM signal WHERE"
-        << Operation([](Store& s) { return s.getChamberSignals(ChamberTypeId(11, 0)).isEmpty(); }) << 4;
+        << " FROM signal WHERE" << sizeOf([](Store& s) { return s.getChamberSignals(ChamberTypeId(11, 0)); })
+        << Ids{0} << 4;
     QTest::newRow("time-programmable signal rows")
         << " FROM signal JOIN controller_data"
-        << Operation([](Store& s) { return s.getTimeProgrammableChamberSignals(ChamberTypeId(247, 0)).isEmpty(); })
-        << 3;
+        << sizeOf([](Store& s) { return s.getTimeProgrammableChamberSignals(ChamberTypeId(247, 0)); }) << Ids{0} << 3;
     QTest::newRow("data logger rows")
         << " FROM signal JOIN chamber_type_has_datalogger_signal"
-        << Operation([](Store& s) { return s.getDataloggerChamberSignal(ChamberTypeId(70, 0)).isEmpty(); }) << 3;
-    QTest::newRow("matching signal rows") << " FROM signal source_signal" << Operation([](Store& s) {
-        return s.getMatchingSignals(ChamberTypeId(11, 0), ChamberTypeId(41, 0)).isEmpty();
-    }) << 8;
-    QTest::newRow("default tolerance range rows") << " FROM tolerance_range JOIN" << Operation([type1](Store& s) {
-        return s.getDefaultToleranceRange(type1, 111, true) == DefaultToleranceRange();
-    }) << 1;
+        << sizeOf([](Store& s) { return s.getDataloggerChamberSignal(ChamberTypeId(70, 0)); }) << Ids{0} << 3;
+    QTest::newRow("matching signal rows")
+        << " FROM signal source_signal"
+        << sizeOf([](Store& s) { return s.getMatchingSignals(ChamberTypeId(11, 0), ChamberTypeId(41, 0)); })
+        << Ids{0} << 8;
+    QTest::newRow("default tolerance range rows")
+        << " FROM tolerance_range JOIN" << IdsOperation([](Store& s) {
+               return Ids{s.getDefaultToleranceRange(ChamberTypeId(1, 0), 111, true).processValueSignal};
+           })
+        << Ids{-1} << 1;
     // A register row of the wrong width is a missing register, not a failure.
-    QTest::newRow("register rows") << " FROM controller_data WHERE" << Operation([](Store& s) {
+    QTest::newRow("register rows") << " FROM controller_data WHERE" << IdsOperation([](Store& s) {
         const QSharedPointer<ChamberSignal> signal = s.getChamberSignal(111);
-        return signal && !signal->read && !signal->writeManual && !signal->writeAuto;
-    }) << 0;
+        return signal ? Ids{signal->id, bool(signal->read), bool(signal->writeManual), bool(signal->writeAuto)} : Ids{};
+    }) << Ids{111, 0, 0, 0} << 0;
 }
 
 void TestSqlConfigurationDatabaseConnection::rowsOfWrongWidth()
 {
     QFETCH(QString, marker);
-    QFETCH(Operation, operation);
-    QFETCH(int, expectedErrors);
+    QFETCH(IdsOperation, operation);
+    QFETCH(Ids, expected);
+    QFETCH(int, errorCount);
 
     sample->connection.marker = marker;
     QSignalSpy errors(&sample->store, &Store::error);
-    const bool empty = operation(sample->store);
+    const Ids result = operation(sample->store);
     sample->connection.marker.clear();
-    QVERIFY(empty);
-    QCOMPARE(errorCodes(errors), QVector<int>(expectedErrors, UNEXPECTED_RESULT).toList());
+    QCOMPARE(result, expected);
+    QCOMPARE(errorCodes(errors), QVector<int>(errorCount, UNEXPECTED_RESULT).toList());
 }
 
 QTEST_GUILESS_MAIN(TestSqlConfigurationDatabaseConnection)
