@@ -2,7 +2,6 @@
 
 #include <QtTest>
 
-#include <algorithm>
 #include <functional>
 
 using namespace zelmor::domain::types;
@@ -52,7 +51,6 @@ class TestChamberTypeData : public QObject
     Q_OBJECT
 
 private slots:
-    void construction();
     void qualifiedTypeName_data();
     void qualifiedTypeName();
     void protocolPredicates_data();
@@ -66,27 +64,6 @@ private slots:
     void staticTablesAndAddressOrder();
 };
 
-void TestChamberTypeData::construction()
-{
-    const ChamberTypeData t = makeType();
-    QCOMPARE(t.chamberTypeId, ChamberTypeId(17, 3));
-    QCOMPARE(QStringList({t.type, t.developementState, t.voltage, t.image, t.description, t.firmwareStart,
-                          t.firmwareEnde, t.setupKennung, t.kennungProgramme, t.articleNumber, t.info, t.controller}),
-             QStringList({"HX", "Z6", "230V", "hx.png", "climate chamber", "1.0", "2.0", "SK", "KP", "A-100", "info",
-                          "KV2"}));
-    QCOMPARE(QList<int>({t.size, t.setupVersionStart, t.setupVersionEnde}), QList<int>({60, 5, 9}));
-    QCOMPARE(t.protocols, protocolsFrom({4, 3}));
-    QCOMPARE(t.chamberSignals.keys(), QList<int>{4});
-    QCOMPARE(t.controlSignals.keys(), QList<int>{9});
-    QCOMPARE(t.options.first().name, QStringLiteral("TimeProgram"));
-    QCOMPARE(t.furtherOptions.first().name, QStringLiteral("LQC"));
-
-    const ChamberTypeData empty;
-    QCOMPARE(QList<int>({empty.size, empty.setupVersionStart, empty.setupVersionEnde}), QList<int>({-1, -1, -1}));
-    QCOMPARE(empty.chamberTypeId, ChamberTypeId(0, 0));
-    QVERIFY(empty == ChamberTypeData());
-}
-
 void TestChamberTypeData::qualifiedTypeName_data()
 {
     QTest::addColumn<QString>("type");
@@ -97,7 +74,6 @@ void TestChamberTypeData::qualifiedTypeName_data()
     QTest::newRow("type, size and state") << "HX" << 60 << "Z6" << "HX 60 Z6";
     QTest::newRow("size 0 is skipped") << "HX" << 0 << "Z6" << "HX Z6";
     QTest::newRow("size -1, no state") << "HX" << -1 << "" << "HX";
-    QTest::newRow("size 1, no state") << "KB" << 1 << "" << "KB 1";
     QTest::newRow("empty type with size and state") << "" << 60 << "Z6" << "";
 }
 
@@ -124,10 +100,8 @@ void TestChamberTypeData::protocolPredicates_data()
     QTest::newRow("1 Modbus RTU") << QList<int>{1} << true << true;
     QTest::newRow("2 tunnel") << QList<int>{2} << true << false;
     QTest::newRow("5 only") << QList<int>{5} << false << true;
-    QTest::newRow("6") << QList<int>{6} << true << false;
-    QTest::newRow("7") << QList<int>{7} << true << true;
     QTest::newRow("TLX, Modbus TCP, unknown") << QList<int>{4, 3, 100} << false << false;
-    QTest::newRow("TLX and tunnel") << QList<int>{4, 2} << true << false;
+    QTest::newRow("TLX and 7") << QList<int>{4, 7} << true << true;
 }
 
 void TestChamberTypeData::protocolPredicates()
@@ -144,26 +118,19 @@ void TestChamberTypeData::optionPredicates_data()
 {
     QTest::addColumn<QStringList>("options");
     QTest::addColumn<QString>("controller");
-    QTest::addColumn<bool>("programmable");
-    QTest::addColumn<bool>("startable");
-    QTest::addColumn<bool>("delayedStartable");
-    QTest::addColumn<bool>("dataLogger");
+    QTest::addColumn<QList<bool>>("expected"); // programmable, startable, delayed startable, data logger
 
+    using F = QList<bool>;
     const QString modeSwitch = QStringLiteral("OperatingModeSwitching");
-    QTest::newRow("no options") << QStringList{} << "KV2" << false << false << false << false;
-    QTest::newRow("TimeProgram") << QStringList{"TimeProgram"} << "PL4" << true << false << false << false;
-    QTest::newRow("TimeProgram_ZELMOR_4") << QStringList{"TimeProgram_ZELMOR_4"} << "KV2" << true << false << false
-                                          << false;
-    QTest::newRow("week programs only") << QStringList{"WeekProgram", "WeekProgram_ZELMOR_4"} << "KV2" << false
-                                        << false << false << false;
+    QTest::newRow("TimeProgram") << QStringList{"TimeProgram"} << "PL4" << F{true, false, false, false};
+    QTest::newRow("TimeProgram_ZELMOR_4") << QStringList{"TimeProgram_ZELMOR_4"} << "KV2"
+                                          << F{true, false, false, false};
     QTest::newRow("case differs") << QStringList{"timeprogram", "operatingmodeswitching", "readable_datastorage"}
-                                  << "KV2" << false << false << false << false;
-    QTest::newRow("mode switching, PL4") << QStringList{modeSwitch} << "PL4" << false << true << false << false;
-    QTest::newRow("mode switching, PL3") << QStringList{modeSwitch} << "PL3" << false << true << true << false;
-    QTest::newRow("mode switching, no controller") << QStringList{modeSwitch} << "" << false << true << true << false;
-    QTest::newRow("mode switching, pl4") << QStringList{modeSwitch} << "pl4" << false << true << true << false;
-    QTest::newRow("data logger") << QStringList{"CO2_Control", "Readable_DataStorage"} << "TLX" << false << false
-                                 << false << true;
+                                  << "KV2" << F{false, false, false, false};
+    QTest::newRow("mode switching, PL4") << QStringList{modeSwitch} << "PL4" << F{false, true, false, false};
+    QTest::newRow("mode switching, pl4") << QStringList{modeSwitch} << "pl4" << F{false, true, true, false};
+    QTest::newRow("data logger") << QStringList{"CO2_Control", "Readable_DataStorage"} << "TLX"
+                                 << F{false, false, false, true};
 }
 
 void TestChamberTypeData::optionPredicates()
@@ -176,10 +143,9 @@ void TestChamberTypeData::optionPredicates()
         data.options << ChamberOption(name, false);
     }
     data.controller = controller;
-    QTEST(data.isProgrammable(), "programmable");
-    QTEST(data.isProgramStartable(), "startable");
-    QTEST(data.isProgramDelayedStartable(), "delayedStartable");
-    QTEST(data.hasDataLogger(), "dataLogger");
+    QTEST(QList<bool>({data.isProgrammable(), data.isProgramStartable(), data.isProgramDelayedStartable(),
+                       data.hasDataLogger()}),
+          "expected");
 
     // the second option list plays no part
     data.furtherOptions = data.options;
@@ -192,7 +158,6 @@ void TestChamberTypeData::operatingModeControlSignal_data()
     QTest::addColumn<QStringList>("names"); // inserted under keys 10, 9, 8, ...
     QTest::addColumn<int>("expectedKey");   // -1: the placeholder
 
-    QTest::newRow("no control signals") << QStringList{} << -1;
     QTest::newRow("other names") << QStringList{"Ctrl_Prog_Start", "ctrl_opmode_mode", "Ctrl_OpMode_Mode "} << -1;
     QTest::newRow("lowest key wins") << QStringList{"Ctrl_OpMode_Mode", "Ctrl_Prog_Start", "Ctrl_OpMode_Mode"} << 8;
 }
@@ -215,10 +180,10 @@ void TestChamberTypeData::operatingModeControlSignal()
         QCOMPARE(found.userLevel, SERVICE);
         return;
     }
-    const ControllerAddress placeholder(-1, QString(), ControllerAddress::UNKNOWN, QMetaType::UnknownType, 1, -1,
-                                       QString());
-    QCOMPARE(found, ControlSignal(-1, QString(), -1, SUPERUSER, placeholder, placeholder));
-    QCOMPARE(int(found.userLevel), 6);
+    // the placeholder: no id, no bit, no register type, for the highest level only
+    QVERIFY(found.name.isNull());
+    QCOMPARE(QList<int>({found.id, found.bitPosition, int(found.userLevel), int(found.read.type), found.write.id}),
+             QList<int>({-1, -1, 6, int(QMetaType::UnknownType), -1}));
 }
 
 void TestChamberTypeData::equalitySkipsThreeFields_data()
@@ -230,25 +195,11 @@ void TestChamberTypeData::equalitySkipsThreeFields_data()
     QTest::newRow("setupVersionEnde is skipped") << CHANGE(t.setupVersionEnde = -1) << true;
     QTest::newRow("protocols are skipped") << CHANGE(t.protocols = protocolsFrom({1})) << true;
     QTest::newRow("typeId beyond 32 bits") << CHANGE(t.chamberTypeId.typeId += 0x100000000ull) << false;
-    QTest::newRow("additionalInfoId") << CHANGE(t.chamberTypeId.additionalInfoId = 0) << false;
     QTest::newRow("type") << CHANGE(t.type = "HY") << false;
-    QTest::newRow("developementState") << CHANGE(t.developementState = "Z7") << false;
-    QTest::newRow("size") << CHANGE(t.size = 61) << false;
-    QTest::newRow("voltage") << CHANGE(t.voltage = "400V") << false;
-    QTest::newRow("image") << CHANGE(t.image.clear()) << false;
-    QTest::newRow("description") << CHANGE(t.description = "Climate chamber") << false;
-    QTest::newRow("firmwareStart") << CHANGE(t.firmwareStart = "1.1") << false;
-    QTest::newRow("firmwareEnde") << CHANGE(t.firmwareEnde = "2.1") << false;
-    QTest::newRow("setupKennung") << CHANGE(t.setupKennung = "SL") << false;
-    QTest::newRow("kennungProgramme") << CHANGE(t.kennungProgramme = "KQ") << false;
-    QTest::newRow("articleNumber") << CHANGE(t.articleNumber = "A-101") << false;
-    QTest::newRow("info") << CHANGE(t.info = "other") << false;
-    QTest::newRow("controller") << CHANGE(t.controller = "KV1") << false;
     QTest::newRow("a signal's name") << CHANGE(t.chamberSignals[4].name = "PV_Humidity") << false;
     QTest::newRow("a control signal's bit") << CHANGE(t.controlSignals[9].bitPosition = 3) << false;
     QTest::newRow("a control signal's user level is skipped") << CHANGE(t.controlSignals[9].userLevel = BASIC) << true;
     QTest::newRow("a control signal's read id") << CHANGE(t.controlSignals[9].read.id = 99) << false;
-    QTest::newRow("a control signal's write text") << CHANGE(t.controlSignals[9].write.description = "x") << false;
     QTest::newRow("an option's fix flag") << CHANGE(t.options[0].fix = false) << false;
     QTest::newRow("furtherOptions") << CHANGE(t.furtherOptions.clear()) << false;
 }
@@ -264,12 +215,11 @@ void TestChamberTypeData::equalitySkipsThreeFields()
     change(changed);
     QCOMPARE(changed == original, equal);
     QCOMPARE(original == changed, equal);
-    QCOMPARE(changed != original, !equal);
 }
 
 void TestChamberTypeData::staticTablesAndAddressOrder()
 {
-    // within one key the later insertion stands in front
+    // a few rows of the names tables; within one key the later insertion stands in front
     QCOMPARE(ControlSignal::controlSignalMap_.size(), 11);
     QCOMPARE(ControlSignal::controlSignalMap_.values(ControlSignal::ControlSignalEnum(6)),
              QStringList({"Ctrl_Prog_Act_SectNumber", "Ctrl_Prog_SectNumber", "Ctrl_Prog_SectNr_ZP1"}));
@@ -277,14 +227,10 @@ void TestChamberTypeData::staticTablesAndAddressOrder()
     QCOMPARE(ChamberOption::optionNames_.at(10), QStringLiteral("24V_OK/BatteryVoltage/CO2_EmergencyCooling"));
     QCOMPARE(ChamberOption::optionNames_.last(), QStringLiteral("LQC"));
 
-    QList<ControllerAddress> addresses = {registerAt(1, QStringLiteral("0x2")), registerAt(2, QStringLiteral("0x10")),
-                                          registerAt(3, QStringLiteral("0x0A"))};
-    std::sort(addresses.begin(), addresses.end());
-    // text order, not numeric order
-    QCOMPARE(addresses.at(0).address + addresses.at(1).address + addresses.at(2).address, QStringLiteral("0x0A0x100x2"));
-    // registers that differ only in their id are equivalent in a sort, yet unequal
+    // registers sort by the text of their address, not its number; nothing else plays a part in the order
     const ControllerAddress first = registerAt(1, QStringLiteral("0x10"));
     const ControllerAddress second = registerAt(2, QStringLiteral("0x10"));
+    QVERIFY(registerAt(3, QStringLiteral("0x0A")) < first && first < registerAt(4, QStringLiteral("0x2")));
     QVERIFY(!(first < second) && !(second < first) && first != second);
 }
 

@@ -11,7 +11,7 @@ class TestMacAddress : public QObject
 private slots:
     void parse_data();
     void parse();
-    void otherConstructorsAndEquality();
+    void otherConstructors();
 };
 
 void TestMacAddress::parse_data()
@@ -51,17 +51,13 @@ void TestMacAddress::parse()
     QCOMPARE(MacAddress(text.toUtf8().constData()), mac);
 }
 
-void TestMacAddress::otherConstructorsAndEquality()
+void TestMacAddress::otherConstructors()
 {
-    QVERIFY(MacAddress("00-1A-2B-3C-4D-5E") == MacAddress(QByteArray::fromHex("001a2b3c4d5e")));
-    QVERIFY(MacAddress("00-1A-2B-3C-4D-5E") != MacAddress("00:1a:2b:3c:4d:5f"));
     // bytes are taken as they are, whatever their number
     QCOMPARE(MacAddress(QByteArray::fromHex("0102")).toString(), QStringLiteral("01:02"));
-    QVERIFY(MacAddress(QByteArray::fromHex("000000000000")) != MacAddress(QByteArray::fromHex("0000000000")));
-
+    QVERIFY(MacAddress("00-1A-2B-3C-4D-5E") == MacAddress(QByteArray::fromHex("001a2b3c4d5e")));
     const char* none = nullptr;
-    QCOMPARE(MacAddress(none), MacAddress());
-    QVERIFY(MacAddress(none).toString().isEmpty());
+    QVERIFY(!MacAddress(none).isValid() && MacAddress(none).toString().isEmpty());
 }
 
 QTEST_GUILESS_MAIN(TestMacAddress)

@@ -18,20 +18,13 @@ quint32 bitsOf(float value)
     return bits;
 }
 
-float floatOf(quint32 bits)
-{
-    float value = 0.0f;
-    std::memcpy(&value, &bits, sizeof value);
-    return value;
-}
-
 const quint32 nanBits = 0x7FC00000u;
 const QString celsiusText = QString(QChar(0x00B0)) + QLatin1Char('C');
 
 // Exact single-precision comparison; a NaN expectation accepts any NaN.
 void compareBits(float actual, quint32 expectedBits)
 {
-    if (std::isnan(floatOf(expectedBits))) {
+    if (expectedBits == nanBits) {
         QVERIFY2(std::isnan(actual), qPrintable(QString::number(actual)));
     } else {
         QCOMPARE(QString::number(bitsOf(actual), 16), QString::number(expectedBits, 16));
@@ -49,9 +42,7 @@ private slots:
     void convert();
     void toUnitId_data();
     void toUnitId();
-    void toString_data();
-    void toString();
-    void quantityPredicates();
+    void namesAndQuantities();
     void unitValueConversion_data();
     void unitValueConversion();
     void unitValueConstructionAndComparison();
@@ -65,29 +56,20 @@ void TestUnit::convert_data()
     QTest::addColumn<quint32>("expectedBits");
 
     // Worked out step by step in single precision, 5/9 as 0x3F0E38E4.
-    QTest::newRow("C->F 100 is 212") << 0 << 1 << 100.0f << 0x43540000u;
     // 1.8f * 20.5f rounds down; in double the result would be 0x4289CCCD
     QTest::newRow("C->F 20.5 is 68.899994") << 0 << 1 << 20.5f << 0x4289CCCCu;
     QTest::newRow("C->K 0 is 273.15f") << 0 << 2 << 0.0f << 0x43889333u;
     // 180 * 0x3F0E38E4 lands one ulp above 100
     QTest::newRow("F->C 212 is 100 plus one ulp") << 1 << 0 << 212.0f << 0x42C80001u;
-    QTest::newRow("F->C 33 is the factor itself") << 1 << 0 << 33.0f << 0x3F0E38E4u;
     // with the exact 5/9 the result would be 0x43889333
     QTest::newRow("F->K 32 is 273.15002") << 1 << 2 << 32.0f << 0x43889334u;
-    QTest::newRow("K->C 0 is -273.15") << 2 << 0 << 0.0f << 0xC3889333u;
     QTest::newRow("K->F 0 is -459.67") << 2 << 1 << 0.0f << 0xC3E5D5C3u;
-    QTest::newRow("K->F 273.15 is 31.99997") << 2 << 1 << 273.15f << 0x41FFFFF0u;
     QTest::newRow("hPa->mbar") << 7 << 8 << 1013.25f << bitsOf(1013.25f);
-    QTest::newRow("mbar->hPa") << 8 << 7 << 987.5f << bitsOf(987.5f);
-    QTest::newRow("% r.F.->% r.H.") << 3 << 4 << 55.5f << bitsOf(55.5f);
-    QTest::newRow("% r.H.->% r.F.") << 4 << 3 << -0.25f << bitsOf(-0.25f);
     // same unit: untouched, even without any table row
     QTest::newRow("% to %") << 5 << 5 << 20.0f << bitsOf(20.0f);
     QTest::newRow("number outside the table to itself") << 99 << 99 << -0.1f << bitsOf(-0.1f);
     // no row: NaN
     QTest::newRow("temperature to pressure") << 0 << 7 << 20.0f << nanBits;
-    QTest::newRow("percentage to volume percentage") << 5 << 6 << 20.0f << nanBits;
-    QTest::newRow("kLUX to Mluxh") << 9 << 10 << 20.0f << nanBits;
     QTest::newRow("undefined to celsius") << 16 << 0 << 20.0f << nanBits;
 }
 
@@ -108,15 +90,12 @@ void TestUnit::toUnitId_data()
 
     QTest::newRow("degree Celsius") << celsiusText << 0;
     QTest::newRow("W/m squared") << (QStringLiteral("W/m") + QChar(0x00B2)) << 11;
-    QTest::newRow("%") << QStringLiteral("%") << 5;
-    QTest::newRow("Mluxh") << QStringLiteral("Mluxh") << 10;
     QTest::newRow("BOOL") << QStringLiteral("BOOL") << 13;
     QTest::newRow("empty text") << QStringLiteral("") << 15;
     QTest::newRow("null text") << QString() << 15;
     QTest::newRow("lower-case mluxh") << QStringLiteral("mluxh") << 16;
     // the UTF-8 bytes of the degree sign read as Latin-1
     QTest::newRow("mis-decoded degree Celsius") << QString::fromLatin1("\xC2\xB0" "C") << 16;
-    QTest::newRow("W/m2 with a plain digit") << QStringLiteral("W/m2") << 16;
 }
 
 void TestUnit::toUnitId()
@@ -125,37 +104,19 @@ void TestUnit::toUnitId()
     QFETCH(int, expected);
 
     QCOMPARE(int(Unit::toUnitId(text)), expected);
+    QCOMPARE(int(UnitValue(text, 1).getUnit()), expected);
 }
 
-void TestUnit::toString_data()
+void TestUnit::namesAndQuantities()
 {
-    QTest::addColumn<int>("unit");
-    QTest::addColumn<QString>("expected");
+    QCOMPARE(Unit::toString(Unit::CELSIUS), celsiusText);
+    QCOMPARE(Unit::toString(Unit::UnitId(12)), QStringLiteral("Wh/m") + QChar(0x00B2));
+    // the boolean unit has a catalogue name but shows nothing; numbers outside the table neither
+    QVERIFY(Unit::toString(Unit::UnitId(13)).isEmpty() && Unit::toString(Unit::UnitId(17)).isEmpty());
 
-    QTest::newRow("0") << 0 << celsiusText;
-    QTest::newRow("12") << 12 << (QStringLiteral("Wh/m") + QChar(0x00B2));
-    QTest::newRow("3") << 3 << QStringLiteral("% r.F.");
-    QTest::newRow("13 shows nothing") << 13 << QString();
-    QTest::newRow("16") << 16 << QString();
-    QTest::newRow("17 outside the table") << 17 << QString();
-}
-
-void TestUnit::toString()
-{
-    QFETCH(int, unit);
-    QFETCH(QString, expected);
-
-    QCOMPARE(Unit::toString(Unit::UnitId(unit)), expected);
-}
-
-void TestUnit::quantityPredicates()
-{
-    for (int unit = -1; unit <= 17; ++unit) {
-        const Unit::UnitId id = Unit::UnitId(unit);
-        QCOMPARE(Unit::isTemperature(id), unit >= 0 && unit <= 2);
-        QCOMPARE(Unit::isHumidity(id), unit == 3 || unit == 4);
-        QCOMPARE(Unit::isLight(id), unit == 9 || unit == 10);
-    }
+    QVERIFY(Unit::isTemperature(Unit::KELVIN) && !Unit::isTemperature(Unit::RELATIVE_HUMIDITY_RF));
+    QVERIFY(Unit::isHumidity(Unit::RELATIVE_HUMIDITY_RH) && !Unit::isHumidity(Unit::PERCENT));
+    QVERIFY(Unit::isLight(Unit::MEGALUX_HOURS) && !Unit::isLight(Unit::WATT_PER_SQUARE_METRE));
 }
 
 void TestUnit::unitValueConversion_data()
@@ -172,7 +133,6 @@ void TestUnit::unitValueConversion_data()
     QTest::newRow("C in hPa is a valid NaN") << 0 << QVariant(20) << 7 << false << QVariant(nanBits);
     QTest::newRow("invalid stays invalid") << 0 << invalid << 1 << false << invalid;
     QTest::newRow("10 C interval is 18 F") << 0 << QVariant(10) << 1 << true << QVariant(bitsOf(18.0f));
-    QTest::newRow("10 K interval is 10 C") << 2 << QVariant(10.0f) << 0 << true << QVariant(bitsOf(10.0f));
     QTest::newRow("2 K interval is 3.6000061 F") << 2 << QVariant(2) << 1 << true << QVariant(0x40666680u);
     QTest::newRow("invalid interval stays invalid") << 0 << invalid << 1 << true << invalid;
 }
@@ -198,18 +158,11 @@ void TestUnit::unitValueConversion()
 
 void TestUnit::unitValueConstructionAndComparison()
 {
-    const UnitValue empty;
-    QCOMPARE(empty.getUnit(), Unit::UNDEFINED);
-    QVERIFY(!empty.isValid());
-    QCOMPARE(empty, UnitValue());
-
-    QCOMPARE(UnitValue(celsiusText, 20).getUnit(), Unit::CELSIUS);
-    QCOMPARE(UnitValue(QStringLiteral("furlong"), 1).getUnit(), Unit::UNDEFINED);
+    QVERIFY(!UnitValue().isValid());
+    QCOMPARE(UnitValue().getUnit(), Unit::UNDEFINED);
     QVERIFY(UnitValue(QStringLiteral("furlong"), 1).isValid());
 
-    QVERIFY(UnitValue(Unit::CELSIUS, 20) == UnitValue(Unit::CELSIUS, 20));
     QVERIFY(UnitValue(Unit::CELSIUS, 20) != UnitValue(Unit::KELVIN, 20));
-    QVERIFY(UnitValue(Unit::CELSIUS, 20) != UnitValue(Unit::CELSIUS, 21));
     // 30 C is warmer than 40 F, but the order looks at the numbers alone
     QVERIFY(UnitValue(Unit::CELSIUS, 30) < UnitValue(Unit::FAHRENHEIT, 40));
     QVERIFY(!(UnitValue(Unit::CELSIUS, 30) > UnitValue(Unit::FAHRENHEIT, 40)));
