@@ -29,15 +29,13 @@ struct TestValue
     SimulationValue* clock = nullptr;
 
     QVariant readCurrent() { return reader->read(currentAddress); }
-    QVariant readSet() { return reader->read(setAddress); }
     void age(qint64 ms) { clock->setLastRequest(clock->getLastRequest().addMSecs(-ms)); }
 };
 
 template<typename V, typename T>
 TestValue make(double current, double set, float timeConstant, int setAt)
 {
-    auto value = QSharedPointer<V>::create(static_cast<T>(current), static_cast<T>(set), timeConstant, setAt,
-                                           currentAddress);
+    auto value = QSharedPointer<V>::create(T(current), T(set), timeConstant, setAt, currentAddress);
     return TestValue{value, value.data()};
 }
 
@@ -69,46 +67,53 @@ private slots:
     void perClass_data()
     {
         QTest::addColumn<QByteArray>("kind");
-        QTest::addColumn<int>("typeId");
-        QList<QPair<QByteArray, int>> const kinds{{"bool", 1},    {"int", 2},    {"uint", 3},  {"short", 33},
-                                                  {"ushort", 36}, {"uchar", 37}, {"char", 40}, {"float", 38}};
-        for (auto const& kind : kinds)
-            QTest::newRow(kind.first.constData()) << kind.first << kind.second;
+        QTest::addColumn<QVariant>("written");
+        // toInt (toFloat), then the low bits; junk is 0. Its type is that of every read.
+        QTest::addColumn<QVariant>("stored");
+
+        auto row = [](char const* kind, QVariant const& written, QVariant const& stored) {
+            QTest::newRow(kind) << QByteArray(kind) << written << stored;
+        };
+        row("bool", 256, true);
+        row("int", QStringLiteral("x1"), 0);
+        row("uint", -1, 4294967295u);
+        row("short", 40000, QVariant::fromValue<short>(-25536));
+        row("ushort", 65537, QVariant::fromValue<ushort>(1));
+        row("uchar", 300, QVariant::fromValue<uchar>(44));
+        row("char", 200, QVariant::fromValue<signed char>(-56));
+        row("float", QStringLiteral("abc"), 0.0f);
     }
 
-    // Types, addresses and getType of every class; the set address never
-    // advances time, getType is a read for the integer family and invalid for
-    // the float class.
+    // Types, addresses and write conversions of every class; the set address
+    // never advances time, getType is a read for the integer family and
+    // invalid for floats.
     void perClass()
     {
         QFETCH(QByteArray, kind);
-        QFETCH(int, typeId);
+        QFETCH(QVariant, written);
+        QFETCH(QVariant, stored);
+        int const typeId = stored.userType();
+        int const typeOfGetType = kind == "float" ? int(QMetaType::UnknownType) : typeId;
 
         TestValue value = makeValue(kind, 0, 100, 10.0f);
         value.age(5000);
         QDateTime const stamp = value.clock->getLastRequest();
-        QCOMPARE(value.readSet().userType(), typeId);
+        QCOMPARE(value.reader->read(setAddress).userType(), typeId);
+        QCOMPARE(value.reader->getType(setAddress).userType(), typeOfGetType);
         QCOMPARE(value.clock->getLastRequest(), stamp);
-        QVERIFY(!value.reader->read(0x22).isValid());
-        QVERIFY(!value.reader->getType(0x22).isValid());
-        QVERIFY(!value.reader->write(currentAddress, 0));
-        QVERIFY(!value.reader->write(0x22, 0));
-        if (kind == "float") {
-            QVERIFY(!value.reader->getType(setAddress).isValid());
-            QVERIFY(!value.reader->getType(currentAddress).isValid());
-            QCOMPARE(value.clock->getLastRequest(), stamp);
-            QCOMPARE(value.readCurrent().userType(), typeId);
-        } else {
-            QCOMPARE(value.reader->getType(setAddress).userType(), typeId);
-            QCOMPARE(value.reader->getType(currentAddress).userType(), typeId);
-        }
+        QCOMPARE(value.reader->getType(currentAddress).userType(), typeOfGetType);
+        QCOMPARE(value.clock->getLastRequest() > stamp, kind != "float");
+        QCOMPARE(value.readCurrent().userType(), typeId);
         QVERIFY(value.clock->getLastRequest() > stamp.addMSecs(4000));
+        QVERIFY(!value.reader->read(0x22).isValid());
+        QVERIFY(!value.reader->write(currentAddress, 0));
+        QVERIFY(value.reader->write(setAddress, written));
+        QCOMPARE(value.reader->read(setAddress), stored);
 
         // Equal addresses answer the set value; -1 is no address at all.
         QCOMPARE(makeValue(kind, 1, 0, 10.0f, currentAddress).readCurrent().toInt(), 0);
         TestValue withoutSet = makeValue(kind, 1, 1, 10.0f, -1);
-        QVERIFY(!withoutSet.reader->write(-1, 0));
-        QVERIFY(!withoutSet.reader->read(-1).isValid());
+        QVERIFY(!withoutSet.reader->write(-1, 0) && !withoutSet.reader->read(-1).isValid());
     }
 
     void lag_data()
@@ -124,23 +129,20 @@ private slots:
                       qint64 elapsedMs, QVariant const& expected) {
             QTest::newRow(name) << QByteArray(kind) << current << set << timeConstant << elapsedMs << expected;
         };
-        // Floats are also compared with the formula for the time the value saw.
         row("float after 5 s", "float", 0, 100, 10, 5000, 39.35f);
-        row("float falling", "float", 100, 0, 10, 5000, 60.65f);
         row("float at ten time constants", "float", 0, 100, 10, 100000, 100.0f);
-        // Integers truncate toward zero; long time constants keep the test's
-        // own milliseconds from tipping a result.
+        // Integers truncate toward zero (-21.3 for the short); long time
+        // constants keep the test's own milliseconds from tipping a result.
         row("int", "int", 0, 100, 100, 50000, 39);
-        row("int negative", "int", 0, -100, 100, 50000, -39);
         // 2147483600 is 2^31 as a float: the step lands outside the int range
         row("int out of range", "int", 2147483600.0, 2147483647.0, 10, 5000, INT_MIN);
-        row("int short of ten", "int", 0, 100, 10, 50000, 99);
-        row("int at ten", "int", 0, 100, 10, 100000, 100);
         row("short", "short", -100, 100, 100, 50000, QVariant::fromValue<short>(-21));
-        row("uchar", "uchar", 0, 255, 100, 50000, QVariant::fromValue<unsigned char>(100));
-        row("uint", "uint", 0, 100, 100, 50000, 39u);
         // The wrapped distance 496 takes 4294967000 past 2^32: the low 32 bits stay.
         row("uint through 2^32", "uint", 4294967000.0, 200, 10, 5000, 0u);
+        // Falling from 10 to 5 takes the wrapped distance 2^32 - 5: the value
+        // climbs through the top of the range until ten time constants land it.
+        // (The long time constant keeps the result on one float for a second.)
+        row("uint climbing at 9.9", "uint", 10, 5, 1000, 9900000, 4294751744u);
         row("uint falling lands at ten", "uint", 10, 5, 10, 100000, 5u);
         // With a time constant of 0 or less an integer follows at once, a
         // float after the first full second.
@@ -148,7 +150,6 @@ private slots:
         row("float -10 not at once", "float", 0, 1, -10, 0, 0.0f);
         row("float 0 after a second", "float", 0, 1, 0, 1000, 1.0f);
         // A bool turns on at the first full second, off only at ten time constants.
-        row("bool not within a second", "bool", 0, 1, 60, 0, false);
         row("bool on after a second", "bool", 0, 1, 60, 1000, true);
         row("bool still on at 599 s", "bool", 1, 0, 60, 599000, true);
         row("bool off at 600 s", "bool", 1, 0, 60, 600000, false);
@@ -171,8 +172,7 @@ private slots:
             QCOMPARE(result, expected);
             return;
         }
-        // The stamp moved to the moment of the read; the value followed exactly
-        // the time between.
+        // The value followed exactly the time up to the read.
         qint64 const seen = before.msecsTo(value.clock->getLastRequest());
         QVERIFY2(seen >= elapsedMs && seen < elapsedMs + 500, qPrintable(QString::number(seen)));
         bool const arrived = seen > 0 && seen >= qint64(10 * timeConstant * 1000);
@@ -180,99 +180,47 @@ private slots:
         QVERIFY(qAbs(result.toFloat() - expected.toFloat()) < 0.05f);
     }
 
-    void readsWithinASecondChangeNothing()
+    // Up to 999 ms is no time, and neither that nor a step that rounds to
+    // nothing is lost: the stamp stays where it was.
+    void timeAccount()
     {
         TestValue value = makeValue("float", 0, 100, 10.0f);
         value.age(5000);
         QVariant const first = value.readCurrent();
         QDateTime const stamp = value.clock->getLastRequest();
-        QCOMPARE(value.readCurrent(), first);
-        QCOMPARE(value.clock->getLastRequest(), stamp);
-
-        // 900 ms is no time, and it isn't lost: with 200 ms more the step is 1.1 s.
         value.age(900);
         QCOMPARE(value.readCurrent(), first);
         QCOMPARE(value.clock->getLastRequest(), stamp.addMSecs(-900));
-        value.age(200);
+        value.age(200); // a step of 1.1 s
         float const after = value.readCurrent().toFloat();
         QVERIFY2(after > first.toFloat() && qAbs(after - expectedLag(first.toFloat(), 100.0f, 10.0f, 1100)) < 1.0f,
                  qPrintable(QString::number(after)));
-    }
 
-    void integerValueDoesNotStallOnSlowReads()
-    {
-        // Read once a second, every step alone rounds to nothing. The time stays
-        // on account: the first step of 1 comes when the accumulated seconds s
-        // reach 10 * (1 - e^(-s/360)) >= 1, that is s >= 360 * ln(10/9) = 37.9.
-        SimulationValueInt value(0, 10, 360.0f, setAddress, currentAddress);
-        int firstStepAt = 0;
-        for (int second = 1; second <= 60 && firstStepAt == 0; ++second) {
-            value.setLastRequest(value.getLastRequest().addSecs(-1));
-            if (value.read(currentAddress).toInt() == 1)
-                firstStepAt = second;
+        // An integer read once a second takes its first step of 1 when the
+        // seconds s reach 10 * (1 - e^(-s/360)) >= 1, s >= 360 * ln(10/9) = 37.9.
+        TestValue slow = makeValue("int", 0, 10, 360.0f);
+        int second = 0;
+        while (slow.readCurrent().toInt() == 0 && second < 60) {
+            slow.age(1000);
+            ++second;
         }
-        QCOMPARE(firstStepAt, 38);
-    }
+        QCOMPARE(second, 38);
 
-    void unsignedValueClimbsThroughTheTop()
-    {
-        // Falling from 10 to 5 takes the wrapped distance 2^32 - 5: the value
-        // climbs instead, about 39% of the range after half a time constant.
-        SimulationValueUInt value(10u, 5u, 10.0f, setAddress, currentAddress);
-        value.setLastRequest(QDateTime::currentDateTime().addSecs(-5));
-        unsigned int const climbed = value.read(currentAddress).toUInt();
-        QVERIFY2(climbed > 1600000000u && climbed < 1800000000u, qPrintable(QString::number(climbed)));
-    }
-
-    void writeCatchesUpFirst()
-    {
         // A value at rest keeps its account open: after 300 quiet seconds the
         // first read after a write shows 1 - e^(-300/360), about 56.5%, of the step.
         TestValue quiet = makeValue("float", 20, 20, 360.0f);
         quiet.age(300000);
         QVERIFY(quiet.reader->write(setAddress, 30.0f));
         float const jumped = quiet.readCurrent().toFloat();
-        QVERIFY2(qAbs(jumped - expectedLag(20.0f, 30.0f, 360.0f, 300000)) < 0.01f, qPrintable(QString::number(jumped)));
-        QVERIFY(qAbs(jumped - 25.65f) < 0.01f);
+        QVERIFY2(qAbs(jumped - 25.65f) < 0.01f, qPrintable(QString::number(jumped)));
 
         // On its way from 0 to 100 for 5 s, then set to 0: it stays where the
-        // old path brought it.
+        // old path brought it, about 39.35.
         TestValue onTheWay = makeValue("float", 0, 100, 10.0f);
         onTheWay.age(5000);
         QVERIFY(onTheWay.reader->write(setAddress, 0));
-        QCOMPARE(onTheWay.readSet(), QVariant(0.0f));
-        QVERIFY(qAbs(onTheWay.readCurrent().toFloat() - expectedLag(0.0f, 100.0f, 10.0f, 5000)) < 0.01f);
-    }
-
-    void writeConversions_data()
-    {
-        QTest::addColumn<QByteArray>("kind");
-        QTest::addColumn<QVariant>("written");
-        QTest::addColumn<QVariant>("expected");
-
-        auto row = [](char const* name, char const* kind, QVariant const& written, QVariant const& expected) {
-            QTest::newRow(name) << QByteArray(kind) << written << expected;
-        };
-        row("float from text", "float", QStringLiteral("12.5"), 12.5f);
-        row("float from junk", "float", QStringLiteral("abc"), 0.0f);
-        row("int from junk", "int", QStringLiteral("x1"), 0);
-        row("int from list", "int", QVariantList{1, 2}, 0);
-        row("uint from -1", "uint", -1, 4294967295u);
-        row("short low bits", "short", 40000, QVariant::fromValue<short>(-25536));
-        row("uchar low bits", "uchar", 300, QVariant::fromValue<unsigned char>(44));
-        row("bool from 256", "bool", 256, true);
-        row("bool from the word true", "bool", QStringLiteral("true"), false);
-    }
-
-    void writeConversions()
-    {
-        QFETCH(QByteArray, kind);
-        QFETCH(QVariant, written);
-        QFETCH(QVariant, expected);
-
-        TestValue value = makeValue(kind, 1, 1, 10.0f);
-        QVERIFY(value.reader->write(setAddress, written));
-        QCOMPARE(value.readSet(), expected);
+        float const kept = onTheWay.readCurrent().toFloat();
+        QVERIFY2(qAbs(kept - 39.35f) < 0.5f, qPrintable(QString::number(kept)));
     }
 
     // A writer makes one more address writable, a duplicator one more readable.
@@ -283,22 +231,16 @@ private slots:
         QVERIFY(!writer.read(0x10).isValid());
         // getType reads the target, valid although the float value itself isn't
         QCOMPARE(writer.getType(0x10), QVariant(5.0f));
-        QVERIFY(!writer.getType(0x20).isValid());
         QVERIFY(writer.write(0x10, 7.5f));
         QVERIFY(!writer.write(0x20, 9.0f));
         QCOMPARE(target->read(0x20), QVariant(7.5f));
+        // The target's refusal comes through.
         QVERIFY(!SimulationValueWriter(target, 0x11, 0x21).write(0x11, 1.0f));
 
         SimulationValueDuplicator duplicator(target, 0x10, 0x20);
         QCOMPARE(duplicator.read(0x10), QVariant(7.5f));
-        QCOMPARE(duplicator.getType(0x10), QVariant(7.5f));
         QVERIFY(!duplicator.read(0x20).isValid());
         QVERIFY(!duplicator.write(0x10, 9));
-        QCOMPARE(target->read(0x20), QVariant(7.5f));
-        // An alias of the process value advances it like a read.
-        target->setLastRequest(QDateTime::currentDateTime().addSecs(-100));
-        QCOMPARE(SimulationValueDuplicator(target, 0x11, 0x21).read(0x11), QVariant(7.5f));
-
         QVERIFY(!SimulationValueWriter(QSharedPointer<SimulationReader>(), 0x10, 0x20).write(0x10, 1));
         QVERIFY(!SimulationValueDuplicator(QSharedPointer<SimulationReader>(), 0x10, 0x20).read(0x10).isValid());
     }
