@@ -5,7 +5,7 @@ namespace domain {
 namespace types {
 
 // The numbers are those of the catalogue's "protocol_id", taken over as they are.
-enum ChamberProtocol {
+enum ChamberProtocol : int {
     MODBUS_RTU = 1,
     MODBUS_RTU_TUNNEL = 2,
     MODBUS_TCP = 3,

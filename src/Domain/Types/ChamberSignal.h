@@ -18,7 +18,7 @@ class ControllerAddress;
 class ChamberSignal
 {
 public:
-    enum SignalType {
+    enum SignalType : int {
         PROCESS_VALUE = 0,
         SET_POINT = 1,
         SET_POINT_PROCESS_VALUE = 2, // set point and process value in one

@@ -16,7 +16,7 @@ class ControlSignal
 {
 public:
     // Meanings that several catalogue spellings stand for.
-    enum ControlSignalEnum {
+    enum ControlSignalEnum : int {
         PROGRAM_TIME_REMAINING = 1,
         PROGRAM_TIME_ELAPSED = 2,
         PROGRAM_NUMBER = 3,

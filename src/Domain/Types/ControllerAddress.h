@@ -13,7 +13,8 @@ namespace types {
 class ControllerAddress
 {
 public:
-    enum Access {
+    // Typed so that a number from the database outside the list is still a value.
+    enum Access : int {
         READ_ONLY = 0,
         WRITE_ONLY = 1,
         READ_WRITE = 2,

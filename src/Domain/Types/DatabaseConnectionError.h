@@ -7,7 +7,7 @@ namespace domain {
 namespace types {
 
 // Carried by the error signals of the persistence layer; only the numbers count.
-enum DatabaseConnectionError {
+enum DatabaseConnectionError : int {
     DEPENDENCIES_NOT_SET = 0,
     INVALID_CONNECTION = 1,
     DATABASE_NOT_OPENED = 2,

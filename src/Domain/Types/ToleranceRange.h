@@ -11,13 +11,13 @@ namespace types {
 class ToleranceRange
 {
 public:
-    enum Type {
+    enum Type : int {
         INVALID = 0,
         ABSOLUTE = 1,
         RELATIVE = 2
     };
 
-    enum Violation {
+    enum Violation : int {
         NO_VIOLATION = 0,
         NOT_COMPUTABLE = 1,
         BELOW_RANGE = 2,

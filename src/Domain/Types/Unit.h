@@ -16,7 +16,8 @@ class Unit
 {
 public:
     // The numbers are fixed: the catalogue and the simulator's defaults branch on them.
-    enum UnitId {
+    // Typed so that a number from the database outside the list is still a value.
+    enum UnitId : int {
         CELSIUS = 0,
         FAHRENHEIT = 1,
         KELVIN = 2,

@@ -13,7 +13,7 @@ Q_NAMESPACE
 
 // Lowest level a user must have to see something. Registered, so it travels in a
 // QVariant and converts from the integers of the database through QVariant::convert.
-enum UserLevel {
+enum UserLevel : int {
     NONE = 0,
     BASIC = 1,
     ADVANCED = 2,

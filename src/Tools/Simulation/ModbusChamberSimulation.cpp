@@ -29,7 +29,7 @@ quint16 lowWordOf(float value)
 ModbusChamberSimulation::ModbusChamberSimulation(QSharedPointer<domain::types::ChamberTypeData> chamberType,
                                                  QString const& connection)
     : ChamberSimulation(std::move(chamberType))
-    // Deliberately without a parent: the device outlives the chamber.
+    // No parent: the chamber owns it and deletes it with itself.
     , device(new QModbusRtuSerialSlave)
     , timer(0)
 {
@@ -58,6 +58,7 @@ ModbusChamberSimulation::ModbusChamberSimulation(QSharedPointer<domain::types::C
 ModbusChamberSimulation::~ModbusChamberSimulation()
 {
     killTimer(timer);
+    delete device;
 }
 
 bool ModbusChamberSimulation::start()
