@@ -92,16 +92,7 @@ void SqlCipherResult::dropStatement()
     // A borrowed statement is finalized by the cache.
     if (statement_ && !entry_)
         sqlite3_finalize(statement_);
-    statement_ = nullptr;
-    entry_ = nullptr;
-    stepping_ = false;
-    rowPending_ = false;
-    heldParameters_.clear();
-    buffer_.clear();
-    rowValues_.clear();
-    rowValuesKnown_ = 0;
-    ownRecord_.reset();
-    recordChecked_ = false;
+    forgetStatement();
     setActive(false);
     setAt(QSql::BeforeFirstRow);
 }
@@ -218,14 +209,8 @@ bool SqlCipherResult::acquireStatement(const QString& sql, bool runLeadingStatem
     return true;
 }
 
-void SqlCipherResult::releaseStatement()
+void SqlCipherResult::forgetStatement()
 {
-    if (entry_) {
-        if (driver_)
-            driver_->statementCache().release(entry_);
-    } else if (statement_) {
-        sqlite3_finalize(statement_);
-    }
     statement_ = nullptr;
     entry_ = nullptr;
     stepping_ = false;
@@ -236,6 +221,17 @@ void SqlCipherResult::releaseStatement()
     rowValuesKnown_ = 0;
     ownRecord_.reset();
     recordChecked_ = false;
+}
+
+void SqlCipherResult::releaseStatement()
+{
+    if (entry_) {
+        if (driver_)
+            driver_->statementCache().release(entry_);
+    } else if (statement_) {
+        sqlite3_finalize(statement_);
+    }
+    forgetStatement();
 }
 
 bool SqlCipherResult::prepare(const QString& query)

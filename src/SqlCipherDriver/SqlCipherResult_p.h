@@ -65,6 +65,8 @@ private:
 
     bool acquireStatement(const QString& sql, bool runLeadingStatements);
     void releaseStatement();
+    // Clears what the result knew of its statement; finalizes nothing.
+    void forgetStatement();
     bool execute(bool bindParameters);
     bool bindParameters();
     bool stepRow();
