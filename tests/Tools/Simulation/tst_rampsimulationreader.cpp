@@ -61,7 +61,6 @@ private slots:
         QTest::newRow("bool") << 0x12 << QVariantList{false, true, false, true};
         // first 32.5 (no first value of its own), then from the truncated 32
         QTest::newRow("ushort") << 0x13 << QVariantList{32.5f} + counting(33, 101, false) + QVariantList{20, 21};
-        QTest::newRow("other type stands") << 0x14 << QVariantList{32.5f, 32.5f, 32.5f};
         QTest::newRow("unknown address stands") << 0x99 << QVariantList{32.5f, 32.5f, 32.5f};
         QTest::newRow("writeManual wins") << 0x20 << QVariantList{false, true, false};
         QTest::newRow("later key wins") << 0x21 << QVariantList{20, 21, 22};

@@ -49,7 +49,6 @@ private slots:
         QTest::addColumn<double>("step");
 
         QTest::newRow("int") << 0x10 << int(QMetaType::Int) << 99.0 << 1.0;
-        QTest::newRow("float") << 0x11 << int(QMetaType::Float) << 99.9 << 0.1;
         QTest::newRow("ushort") << 0x13 << int(QMetaType::Int) << 99.0 << 1.0;
         QTest::newRow("float by writeManual") << 0x15 << int(QMetaType::Float) << 99.9 << 0.1;
     }
@@ -75,23 +74,22 @@ private slots:
         QVERIFY(distinct.size() > 50);
     }
 
+    // A bool address uses up one draw and reads an int 0 every time.
     void boolDrawsButNeverTurnsOn()
     {
         RandomSimulationReader reader(chamberType());
         std::srand(7);
         std::rand();
         int const second = std::rand();
-
         std::srand(7);
-        QVariant const value = reader.read(0x12);
-        QCOMPARE(value, QVariant(0));
-        QCOMPARE(value.userType(), int(QMetaType::Int));
-        // exactly one draw was used up
+        QVariant value = reader.read(0x12);
         QCOMPARE(std::rand(), second);
-        for (int i = 0; i < 100; ++i)
-            QCOMPARE(reader.read(0x12), QVariant(0));
+        for (int i = 0; i < 100; value = reader.read(0x12), ++i)
+            QVERIFY(value.userType() == QMetaType::Int && value.toInt() == 0);
     }
 
+    // Unknown addresses, also of a known but unsimulated type, are invalid:
+    // a device asks its next child. Writes are taken anywhere and change nothing.
     void unknownAddressLetsTheDeviceAskOn()
     {
         SimulationDevice device;
@@ -99,13 +97,9 @@ private slots:
         device.add(random);
         device.add(QSharedPointer<SimulationValueInt>::create(7, 7, 10.0f, 0x99, 0x14));
         QCOMPARE(device.read(0x99), QVariant(7));
-        // a known address of an unsimulated type is unknown too
         QCOMPARE(device.read(0x14), QVariant(7));
-        QVERIFY(!random->getType(0x10).isValid());
-        // Writes are taken anywhere and change nothing.
-        QVERIFY(random->write(0x99, 5));
-        QVERIFY(random->write(-1, QVariant()));
-        QVERIFY(!random->read(0x99).isValid());
+        QVERIFY(random->write(0x99, 5) && random->write(-1, QVariant()));
+        QVERIFY(!random->read(0x99).isValid() && !random->getType(0x10).isValid());
         QVERIFY(!RandomSimulationReader(QSharedPointer<ChamberTypeData>()).read(0x10).isValid());
     }
 };
