@@ -38,7 +38,6 @@ void TestEpollEventDispatcher::timersNeverEarly_data()
     QTest::addColumn<int>("type");
     QTest::addColumn<int>("ticks"); // 1: single shot; else repeating, stopped at the last
     QTest::newRow("0 ms") << 0 << int(Qt::PreciseTimer) << 1;
-    QTest::newRow("1 ms") << 1 << int(Qt::PreciseTimer) << 1;
     QTest::newRow("20 ms precise") << 20 << int(Qt::PreciseTimer) << 1;
     QTest::newRow("20 ms coarse") << 20 << int(Qt::CoarseTimer) << 1;
     QTest::newRow("10 ms repeating") << 10 << int(Qt::PreciseTimer) << 5;
@@ -93,7 +92,7 @@ void TestEpollEventDispatcher::timerBookkeeping()
 }
 
 // Many connections in a row, each closed while the next arrives, so that
-// descriptors are reused between passes; every byte gets through, and a
+// descriptors are reused between passes; every byte comes back, and a
 // zero timer spinning all the while starves no socket.
 void TestEpollEventDispatcher::socketsBesideABusyTimer()
 {
@@ -103,16 +102,11 @@ void TestEpollEventDispatcher::socketsBesideABusyTimer()
     busy.start(0);
     QTcpServer server;
     QVERIFY(server.listen(QHostAddress(QStringLiteral("127.0.59.2")), 0));
-    QByteArray received;
     QPointer<QTcpSocket> current;
     connect(&server, &QTcpServer::newConnection, this, [&] {
         delete current;
         current = server.nextPendingConnection();
-        connect(current, &QTcpSocket::readyRead, this, [&] {
-            QByteArray const data = current->readAll();
-            received += data;
-            current->write(data);
-        });
+        connect(current, &QTcpSocket::readyRead, this, [&] { current->write(current->readAll()); });
     });
     for (int round = 0; round < 50; ++round) {
         QTcpSocket client;
@@ -120,10 +114,9 @@ void TestEpollEventDispatcher::socketsBesideABusyTimer()
         QTRY_COMPARE(client.state(), QAbstractSocket::ConnectedState);
         QByteArray const text = "round " + QByteArray::number(round) + '\n';
         client.write(text);
-        QTRY_VERIFY(client.bytesAvailable() >= text.size());
-        QCOMPARE(client.readAll(), text);
+        QByteArray echoed;
+        QTRY_COMPARE(echoed += client.readAll(), text);
     }
-    QCOMPARE(received.count('\n'), 50);
     QVERIFY(spins > 0);
 }
 
@@ -133,11 +126,10 @@ void TestEpollEventDispatcher::socketsBesideABusyTimer()
 void TestEpollEventDispatcher::postedEvents()
 {
     int calls = 0;
-    std::thread poster([this, &calls] {
+    std::thread([this, &calls] {
         for (int index = 0; index < 100; ++index)
             QMetaObject::invokeMethod(this, [&calls] { ++calls; }, Qt::QueuedConnection);
-    });
-    poster.join();
+    }).join();
     QTRY_COMPARE(calls, 100);
 
     QEventLoop loop;

@@ -9,6 +9,9 @@
 #include <QTemporaryDir>
 
 #include <memory>
+
+#include <fcntl.h>
+#include <termios.h>
 #include <unistd.h>
 
 using namespace zelmor::simulation;
@@ -27,6 +30,7 @@ class TestModbusChamberSimulation : public QObject
 private slots:
     void initTestCase();
     void cleanupTestCase();
+    void serialParameters();
     void copyTowardsInputRegisters();
     void writesBackToReader_data();
     void writesBackToReader();
@@ -39,35 +43,26 @@ private:
     QProcess terminals;
     QSharedPointer<MapReader> reader = QSharedPointer<MapReader>::create();
     std::unique_ptr<ModbusChamberSimulation> chamber;
-    bool ready = false;
 };
 
 void TestModbusChamberSimulation::initTestCase()
 {
-    // The serial tests below skip themselves when `ready` stays false.
     if (::geteuid() != 0 || QStandardPaths::findExecutable(QStringLiteral("socat")).isEmpty() || !hasPymodbus()
         || QFileInfo::exists(devicePath) || QFileInfo(devicePath).isSymLink())
-        return;
+        QSKIP("needs root (for /dev/COM62, which must not exist yet), socat and python3-pymodbus");
     terminals.start(QStringLiteral("socat"),
                     {"pty,raw,echo=0,link=" + devicePath, "pty,raw,echo=0,link=" + folder.filePath("client")});
     QVERIFY(terminals.waitForStarted());
     QTRY_VERIFY(QFileInfo::exists(devicePath) && QFileInfo::exists(folder.filePath("client")));
 
-    reader->values = {
-        {4, 74565},     // 0x00012345: both registers get 0x2345
-        {5, true},      // inside the int: never copied
-        {8, 0.1f},      // bits 3DCCCCCD
-        {10, true},
-        {11, QVariant::fromValue<unsigned short>(77)}, // not copied
-        {14, false},
-        {16, 0},
-        {18, 2.5f},
-        {31, -3},       // its second register would be 32
-    };
+    // The int at 4 is 0x00012345, both its registers get 2345; 5 lies inside
+    // it and is never copied, nor is the unsigned short at 11. The float at 8
+    // has the bits 3DCCCCCD. The int at 31 would have its second register at 32.
+    reader->values = {{4, 74565}, {5, true}, {8, 0.1f}, {10, true}, {11, QVariant::fromValue<ushort>(77)},
+                      {14, false}, {16, 0}, {18, 2.5f}, {31, -3}};
     chamber = std::make_unique<ModbusChamberSimulation>(QSharedPointer<ChamberTypeData>::create(), "COM62:7");
     chamber->setSimulationReader(reader);
     QVERIFY(chamber->start());
-    ready = true;
 }
 
 void TestModbusChamberSimulation::cleanupTestCase()
@@ -79,6 +74,18 @@ void TestModbusChamberSimulation::cleanupTestCase()
         QFile::remove(devicePath);
 }
 
+// The terminal as the chamber set it up: 9600 8N1. The client's end is a
+// terminal of its own, which these settings don't reach.
+void TestModbusChamberSimulation::serialParameters()
+{
+    int const descriptor = ::open(qPrintable(devicePath), O_RDONLY | O_NOCTTY | O_NONBLOCK);
+    termios settings{};
+    QVERIFY(descriptor >= 0 && ::tcgetattr(descriptor, &settings) == 0);
+    ::close(descriptor);
+    QCOMPARE(::cfgetospeed(&settings), speed_t(B9600));
+    QCOMPARE(settings.c_cflag & (CSIZE | PARENB | CSTOPB), tcflag_t(CS8));
+}
+
 QStringList TestModbusChamberSimulation::request(QStringList const& operations)
 {
     return runModbusOperations("rtu:" + folder.filePath("client") + ":7", operations);
@@ -86,8 +93,6 @@ QStringList TestModbusChamberSimulation::request(QStringList const& operations)
 
 void TestModbusChamberSimulation::copyTowardsInputRegisters()
 {
-    if (!ready)
-        QSKIP("needs root (for /dev/COM62), socat and python3-pymodbus");
     QStringList const copied{"0 0 0 0 9029 9029 0 0 52429 52429 1 0", "65533", "exception 2"};
     // The copy runs every 2 s on the chamber's own timer.
     QTRY_COMPARE_WITH_TIMEOUT(request({"input:0:12", "input:31:1", "input:32:1"}), copied, 10000);
@@ -122,8 +127,6 @@ void TestModbusChamberSimulation::writesBackToReader()
     QFETCH(QStringList, operations);
     QFETCH(QStringList, replies);
     QFETCH(QVariantList, writes);
-    if (!ready)
-        QSKIP("needs root (for /dev/COM62), socat and python3-pymodbus");
     reader->writes.clear();
     QCOMPARE(request(operations), replies);
     QVariantList written;
