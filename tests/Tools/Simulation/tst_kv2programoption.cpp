@@ -10,10 +10,7 @@ using zelmor::simulation::Kv2ProgramOption;
 
 namespace {
 
-QVariant word(quint16 value)
-{
-    return QVariant::fromValue(value);
-}
+QVariant word(quint16 value) { return QVariant::fromValue(value); }
 
 // The image's timers as the event loop holds them.
 QList<int> timersOf(QObject* object)
@@ -58,21 +55,19 @@ private slots:
         QTest::addColumn<int>("readAddress");
         QTest::addColumn<QVariant>("expected");
 
-        auto row = [](char const* name, int address, QVariant const& value, bool accepted, int readAddress,
-                      QVariant const& expected) {
-            QTest::newRow(name) << address << value << accepted << readAddress << expected;
-        };
-        row("4260 refused", 4260, 5, false, 4260, word(0));
-        row("4427 nothing", 4427, 5, false, 4427, QVariant());
-        row("float into 4416", 4416, 1.5f, true, 4416, 1.5f);
-        row("12288 stays 128", 12288, 5, true, 12288, 128u);
-        row("17152 refused", 17152, "Milky Way", false, 17152, "Andromeda Galaxy");
-        row("selected 20", 12292, 20, true, 17152, "Whirlpool Galaxy");
-        row("selected 21", 12292, 21, true, 17152, "Not defined 21");
-        row("selected 65536 wraps", 12292, 65536, true, 17152, "Andromeda Galaxy");
-        row("selected text is 0", 12292, "two", true, 12292, word(0));
-        row("start 0 does nothing", 4425, 0, true, 4261, word(1));
-        row("stop with nothing running", 4426, 1, true, 4261, word(0));
+        QTest::newRow("4260 refused") << 4260 << QVariant(5) << false << 4260 << word(0);
+        QTest::newRow("4427 nothing") << 4427 << QVariant(5) << false << 4427 << QVariant();
+        QTest::newRow("float into 4416") << 4416 << QVariant(1.5f) << true << 4416 << QVariant(1.5f);
+        QTest::newRow("12288 stays 128") << 12288 << QVariant(5) << true << 12288 << QVariant(128u);
+        QTest::newRow("17152 refused") << 17152 << QVariant("Milky Way") << false << 17152
+                                       << QVariant("Andromeda Galaxy");
+        QTest::newRow("selected 20") << 12292 << QVariant(20) << true << 17152 << QVariant("Whirlpool Galaxy");
+        QTest::newRow("selected 21") << 12292 << QVariant(21) << true << 17152 << QVariant("Not defined 21");
+        QTest::newRow("selected 65536 wraps") << 12292 << QVariant(65536) << true << 17152
+                                              << QVariant("Andromeda Galaxy");
+        QTest::newRow("selected text is 0") << 12292 << QVariant("two") << true << 12292 << word(0);
+        QTest::newRow("start 0 does nothing") << 4425 << QVariant(0) << true << 4261 << word(1);
+        QTest::newRow("stop with nothing running") << 4426 << QVariant(1) << true << 4261 << word(0);
     }
 
     void registerMap()

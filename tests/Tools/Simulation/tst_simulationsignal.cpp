@@ -10,8 +10,6 @@
 
 #include <QtTest>
 
-#include <cmath>
-
 using namespace zelmor::simulation;
 using zelmor::domain::types::ChamberSignal;
 using zelmor::domain::types::ControllerAddress;
@@ -30,8 +28,8 @@ QSharedPointer<ControllerAddress> address(QString const& text, int type)
     return result;
 }
 
-// Addresses as {read, writeAuto, writeBasic, writeManual}; an empty text is
-// no address.
+// Addresses as {read, writeAuto, writeBasic, writeManual}; a missing or empty
+// text is no address.
 ChamberSignal makeSignal(QString const& name, QStringList const& addresses, int type, int unit)
 {
     ChamberSignal signal;
@@ -44,16 +42,15 @@ ChamberSignal makeSignal(QString const& name, QStringList const& addresses, int 
     return signal;
 }
 
+// The time constant of the value, -1 when no value was made.
 template<typename... V>
 float timeConstantOf(QSharedPointer<SimulationReader> const& reader)
 {
-    float result = std::nanf("");
+    float result = -1.0f;
     auto take = [&](auto value) { return value && (result = value->getTimeConstant(), true); };
     static_cast<void>((take(reader.template dynamicCast<V>()) || ...));
     return result;
 }
-
-using Reads = QMap<int, QVariant>;
 
 } // namespace
 
@@ -67,104 +64,91 @@ private slots:
         QTest::addColumn<QStringList>("own");
         QTest::addColumn<QStringList>("setPoint"); // empty: no set point signal
         QTest::addColumn<int>("type");
+        QTest::addColumn<int>("unit");
         QTest::addColumn<QStringList>("names");
-        QTest::addColumn<Reads>("reads");
+        QTest::addColumn<QList<int>>("readable");
         QTest::addColumn<QList<int>>("writable");
         QTest::addColumn<QList<int>>("typed");
+        QTest::addColumn<QVariant>("start");
+        QTest::addColumn<float>("timeConstant");
 
         auto row = [](char const* name, QStringList const& own, QStringList const& setPoint, int type,
-                      QStringList const& names, Reads const& reads, QList<int> const& writable,
-                      QList<int> const& typed) {
-            QTest::newRow(name) << own << setPoint << type << names << reads << writable << typed;
+                      QStringList const& names, QList<int> const& readable, QList<int> const& writable,
+                      QList<int> const& typed, QVariant const& start) {
+            QTest::newRow(name) << own << setPoint << type << 0 << names << readable << writable << typed << start
+                                << (start.isValid() ? 360.3f : -1.0f);
+        };
+        // One value on read 60 and write 61; integers answer getType on both.
+        auto byType = [](char const* name, int type, int unit, QVariant const& start, float timeConstant) {
+            QList<int> const both{0x60, 0x61};
+            QTest::newRow(name) << QStringList{"60", "61"} << QStringList() << type << unit << QStringList{"PV"}
+                                << both << QList<int>{0x61} << (type == QMetaType::Float ? QList<int>() : both)
+                                << start << timeConstant;
         };
         int const f = QMetaType::Float;
         int const i = QMetaType::Int;
         // Without a read address the own write addresses don't count: a float
         // on current address -1 whose set address comes from the set point.
-        row("set point only", {"", "05", "", ""}, {"20", "21", "", ""}, i, {"SP"}, {{0x20, 23.3f}, {0x21, 23.3f}},
-            {0x21}, {0x20});
+        row("set point only", {"", "05", "", ""}, {"20", "21", "", ""}, i, {"SP"}, {0x20, 0x21}, {0x21}, {0x20}, 23.3f);
         // Write addresses 32, 34, 33 (the repeated 32 is dropped): the float has
         // no type at 32, its aliases have, through the writer or the duplicator.
         row("process value with set point", {"30", "32", "34", ""}, {"31", "32", "", "33"}, f, {"PV", "SP"},
-            {{0x30, 23.3f}, {0x31, 23.3f}, {0x32, 23.3f}, {0x33, 23.3f}, {0x34, 23.3f}}, {0x32, 0x33, 0x34},
-            {0x31, 0x33, 0x34});
+            {0x30, 0x31, 0x32, 0x33, 0x34}, {0x32, 0x33, 0x34}, {0x31, 0x33, 0x34}, 23.3f);
         // Read only; the set point's read address aliases address -1 and answers invalid.
-        row("set point without write address", {"30", "", "", ""}, {"31", "", "", ""}, f, {"PV", "SP"},
-            {{0x30, 23.3f}}, {}, {});
-        // An int answers getType on both addresses. A read address that doesn't
-        // convert is 0, a write address is left out.
-        row("bad texts", {"zz", "41", "q", "42"}, {}, i, {"PV"}, {{0, 23}, {0x41, 23}, {0x42, 23}}, {0x41, 0x42},
-            {0, 0x41, 0x42});
+        row("set point without write address", {"30", "", "", ""}, {"31", "", "", ""}, f, {"PV", "SP"}, {0x30}, {},
+            {}, 23.3f);
+        // A read address that doesn't convert is 0, a write address is left out.
+        row("bad texts", {"zz", "41", "q", "42"}, {}, i, {"PV"}, {0, 0x41, 0x42}, {0x41, 0x42}, {0, 0x41, 0x42}, 23);
         // No value is made, and its aliases answer nothing.
-        row("unsimulated type", {"50", "51", "52", ""}, {}, QMetaType::QString, {"PV"}, {}, {}, {});
+        row("unsimulated type", {"50", "51", "52", ""}, {}, QMetaType::QString, {"PV"}, {}, {}, {}, QVariant());
+
+        byType("bool starts false in unit boolean", QMetaType::Bool, 13, false, 60.0f);
+        byType("int, Celsius", i, 0, 23, 360.3f);
+        byType("uint, Fahrenheit", QMetaType::UInt, 1, 90u, 360.7f);
+        byType("short takes the unsigned class", QMetaType::Short, 5, QVariant::fromValue<ushort>(50), 180.0f);
+        byType("ushort has no lag", QMetaType::UShort, 5, QVariant::fromValue<ushort>(50), 0.0f);
+        byType("uchar is 42 in any unit", QMetaType::UChar, 5, QVariant::fromValue<uchar>(42), 180.0f);
+        byType("float, Kelvin", f, 2, 296.6f, 360.6f);
+        byType("float, unknown unit", f, 16, 42.42f, 42.42f);
     }
 
-    // Every address from -1 to 0x60 is asked for its value, its type and a write.
+    // Every address from -1 to 0x61 is asked for its value, its type and a write.
     void addresses()
     {
         QFETCH(QStringList, own);
         QFETCH(QStringList, setPoint);
         QFETCH(int, type);
+        QFETCH(int, unit);
         QFETCH(QStringList, names);
-        QFETCH(Reads, reads);
+        QFETCH(QList<int>, readable);
         QFETCH(QList<int>, writable);
         QFETCH(QList<int>, typed);
+        QFETCH(QVariant, start);
+        QFETCH(float, timeConstant);
 
-        ChamberSignal signal = makeSignal(QStringLiteral("PV"), own, type, 0);
+        ChamberSignal signal = makeSignal(QStringLiteral("PV"), own, type, unit);
         if (!setPoint.isEmpty())
             signal.setPointSignal = QSharedPointer<ChamberSignal>::create(makeSignal("SP", setPoint, type, 13));
 
         SimulationSignal simulated(signal);
         QCOMPARE(simulated.getSignalNames(), names);
         QCOMPARE(simulated.getAddressDescription(), own.at(0).isEmpty() ? QString() : "register " + own.at(0));
-        for (int probe = -1; probe <= 0x60; ++probe) {
-            QByteArray const where = QByteArray::number(probe, 16);
-            QCOMPARE(simulated.read(probe), reads.value(probe));
-            QVERIFY2(simulated.getType(probe).isValid() == typed.contains(probe), where.constData());
-
-            SimulationSignal fresh(signal);
-            QVERIFY2(fresh.write(probe, 30) == writable.contains(probe), where.constData());
-            // Whatever address took it, the set value reads back on every alias.
-            for (int alias : writable)
-                QCOMPARE(fresh.read(alias).toInt(), writable.contains(probe) ? 30 : 23);
-        }
-    }
-
-    void valueByTypeAndUnit_data()
-    {
-        QTest::addColumn<int>("type");
-        QTest::addColumn<int>("unit");
-        QTest::addColumn<QVariant>("start");
-        QTest::addColumn<float>("timeConstant");
-
-        auto row = [](char const* name, int type, int unit, QVariant const& start, float timeConstant) {
-            QTest::newRow(name) << type << unit << start << timeConstant;
-        };
-        row("bool starts false in unit boolean", QMetaType::Bool, 13, false, 60.0f);
-        row("int, Celsius", QMetaType::Int, 0, 23, 360.3f);
-        row("uint, Fahrenheit", QMetaType::UInt, 1, 90u, 360.7f);
-        row("short takes the unsigned class", QMetaType::Short, 5, QVariant::fromValue<unsigned short>(50), 180.0f);
-        row("ushort has no lag", QMetaType::UShort, 5, QVariant::fromValue<unsigned short>(50), 0.0f);
-        row("uchar is 42 in any unit", QMetaType::UChar, 5, QVariant::fromValue<unsigned char>(42), 180.0f);
-        row("float, Kelvin", QMetaType::Float, 2, 296.6f, 360.6f);
-        row("float, unknown unit", QMetaType::Float, 16, 42.42f, 42.42f);
-    }
-
-    void valueByTypeAndUnit()
-    {
-        QFETCH(int, type);
-        QFETCH(int, unit);
-        QFETCH(QVariant, start);
-        QFETCH(float, timeConstant);
-
-        SimulationSignal simulated(makeSignal(QStringLiteral("S"), {"60", "61", "", ""}, type, unit));
-        QCOMPARE(simulated.read(0x60), start);
-        QCOMPARE(simulated.read(0x61), start);
-        QCOMPARE(simulated.read(0x60).userType(), start.userType());
-        QCOMPARE(simulated.getType(0x60).isValid(), type != QMetaType::Float);
         QCOMPARE((timeConstantOf<SimulationValueBool, SimulationValueInt, SimulationValueUInt, SimulationValueUShort,
                                  SimulationValueUChar, SimulationValueFloat>(simulated.getChildren().value(0))),
                  timeConstant);
+        for (int probe = -1; probe <= 0x61; ++probe) {
+            QByteArray const where = QByteArray::number(probe, 16);
+            QVariant const value = simulated.read(probe);
+            QCOMPARE(value, readable.contains(probe) ? start : QVariant());
+            QCOMPARE(value.userType(), readable.contains(probe) ? start.userType() : 0);
+            QVERIFY2(simulated.getType(probe).isValid() == typed.contains(probe), where.constData());
+
+            SimulationSignal fresh(signal);
+            QVERIFY2(fresh.write(probe, 1) == writable.contains(probe), where.constData());
+            // Whatever address took it, the set value reads back on every alias.
+            for (int alias : writable)
+                QCOMPARE(fresh.read(alias).toInt(), writable.contains(probe) ? 1 : start.toInt());
+        }
     }
 
     // Read 1A, writeAuto 1B, writeBasic 1C, in Celsius: a write of the alias
