@@ -13,7 +13,6 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <functional>
 #include <thread>
 
@@ -24,18 +23,16 @@ namespace {
 constexpr char namePrefix[] = "zelmor-test-";
 constexpr char namespaceFolder[] = "/run/netns/";
 
-// "ip" with the words of `command`; false with the messages in `output` on failure.
+// "ip" with the words of `command`; the messages go to `output`.
 bool runIp(const QString& command, QString* output = nullptr)
 {
     QProcess process;
     process.start(QStringLiteral("ip"), command.split(QLatin1Char(' ')));
-    const bool ok = process.waitForStarted(10000) && process.waitForFinished(30000)
-                    && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
-    if (output) {
-        *output = QString::fromLocal8Bit(process.readAllStandardOutput() + process.readAllStandardError());
-        if (!ok)
-            *output = QStringLiteral("ip %1: %2 %3").arg(command, process.errorString(), *output);
-    }
+    const bool ok = process.waitForFinished(30000) && process.exitStatus() == QProcess::NormalExit
+                    && process.exitCode() == 0;
+    if (output)
+        *output = QStringLiteral("ip %1: %2").arg(command, QString::fromLocal8Bit(process.readAll()
+                                                                                 + process.readAllStandardError()));
     return ok;
 }
 
@@ -45,15 +42,14 @@ void removeOrphans()
     const QRegularExpression pattern(QStringLiteral("^%1(\\d+)-\\d+$").arg(QLatin1String(namePrefix)));
     for (const QString& name : QDir(QLatin1String(namespaceFolder)).entryList(QDir::Files)) {
         const QRegularExpressionMatch match = pattern.match(name);
-        const pid_t owner = match.hasMatch() ? pid_t(match.captured(1).toInt()) : 0;
-        if (owner > 0 && ::kill(owner, 0) != 0 && errno == ESRCH)
+        if (match.hasMatch() && ::kill(pid_t(match.captured(1).toInt()), 0) != 0 && errno == ESRCH)
             runIp(QStringLiteral("netns delete ") + name);
     }
 }
 
 // A socket made on a thread that has entered the namespace stays in it.
-int socketInside(const QString& name, const QString& address, quint16 port, int type,
-                 const std::function<int(int, const sockaddr*, socklen_t)>& call)
+qintptr socketInside(const QString& name, const QString& address, quint16 port, int type,
+                     const std::function<int(int, const sockaddr*, socklen_t)>& call)
 {
     sockaddr_in socketAddress{};
     socketAddress.sin_family = AF_INET;
@@ -63,9 +59,7 @@ int socketInside(const QString& name, const QString& address, quint16 port, int 
     int descriptor = -1;
     std::thread thread([&] {
         const int space = ::open((QLatin1String(namespaceFolder) + name).toLocal8Bit().constData(), O_RDONLY | O_CLOEXEC);
-        if (space < 0)
-            return;
-        if (::setns(space, CLONE_NEWNET) == 0) {
+        if (space >= 0 && ::setns(space, CLONE_NEWNET) == 0) {
             descriptor = ::socket(AF_INET, type | SOCK_CLOEXEC, 0);
             if (descriptor >= 0
                 && call(descriptor, reinterpret_cast<const sockaddr*>(&socketAddress), sizeof socketAddress) != 0) {
@@ -73,7 +67,8 @@ int socketInside(const QString& name, const QString& address, quint16 port, int 
                 descriptor = -1;
             }
         }
-        ::close(space);
+        if (space >= 0)
+            ::close(space);
     });
     thread.join();
     return descriptor;
@@ -81,26 +76,29 @@ int socketInside(const QString& name, const QString& address, quint16 port, int 
 
 } // namespace
 
-bool NetworkNamespace::isAvailable(QString* why)
+bool NetworkNamespace::isAvailable()
 {
-    if (::geteuid() != 0) {
-        *why = QStringLiteral("needs root for network namespaces");
-        return false;
-    }
-    QString output;
-    const bool ok = runIp(QStringLiteral("netns list"), &output);
-    if (!ok)
-        *why = output;
-    return ok;
+    return ::geteuid() == 0 && runIp(QStringLiteral("netns list"));
 }
 
-NetworkNamespace::NetworkNamespace()
+NetworkNamespace::NetworkNamespace(const QStringList& onFa, const QStringList& onFb)
 {
-    static std::atomic<int> counter{0};
+    static int counter = 0;
     removeOrphans();
-    name_ = QLatin1String(namePrefix) + QString::number(QCoreApplication::applicationPid()) + QLatin1Char('-')
-            + QString::number(++counter);
-    valid_ = runIp(QStringLiteral("netns add ") + name_, &lastError_) && ip({"link", "set", "lo", "up"});
+    name_ = QStringLiteral("%1%2-%3").arg(QLatin1String(namePrefix)).arg(QCoreApplication::applicationPid()).arg(
+        ++counter);
+    const QString inside = QStringLiteral("-n ") + name_ + QLatin1Char(' ');
+    QStringList commands{"netns add " + name_, inside + "link set lo up", inside + "link add fa type veth peer name fb",
+                         inside + "link set fa up", inside + "link set fb up"};
+    for (const QString& address : onFa)
+        commands << inside + "address add " + address + " dev fa";
+    for (const QString& address : onFb)
+        commands << inside + "address add " + address + " dev fb";
+    for (const QString& command : commands) {
+        if (!runIp(command, &lastError_))
+            return;
+    }
+    lastError_.clear();
 }
 
 NetworkNamespace::~NetworkNamespace()
@@ -108,28 +106,12 @@ NetworkNamespace::~NetworkNamespace()
     runIp(QStringLiteral("netns delete ") + name_);
 }
 
-bool NetworkNamespace::ip(const QStringList& arguments)
-{
-    return runIp(QStringLiteral("-n %1 %2").arg(name_, arguments.join(QLatin1Char(' '))), &lastError_);
-}
-
-bool NetworkNamespace::addVethPair(const QString& first, const QString& second)
-{
-    return ip({"link", "add", first, "type", "veth", "peer", "name", second}) && ip({"link", "set", first, "up"})
-           && ip({"link", "set", second, "up"});
-}
-
-bool NetworkNamespace::addAddress(const QString& interfaceName, const QString& addressWithPrefix)
-{
-    return ip({"address", "add", addressWithPrefix, "dev", interfaceName});
-}
-
-QString NetworkNamespace::macAddress(const QString& interfaceName)
+QString NetworkNamespace::macAddress() const
 {
     QString output;
-    runIp(QStringLiteral("-n %1 -o link show dev %2").arg(name_, interfaceName), &output);
+    runIp(QStringLiteral("-n %1 -o link show dev fa").arg(name_), &output);
     const QRegularExpressionMatch match = QRegularExpression(QStringLiteral("link/ether ([0-9a-f:]{17})")).match(output);
-    return match.hasMatch() ? match.captured(1) : QString();
+    return match.captured(1).toUpper();
 }
 
 qintptr NetworkNamespace::connectedTcpSocket(const QString& address, quint16 port) const
@@ -137,9 +119,9 @@ qintptr NetworkNamespace::connectedTcpSocket(const QString& address, quint16 por
     return socketInside(name_, address, port, SOCK_STREAM, ::connect);
 }
 
-qintptr NetworkNamespace::boundUdpSocket(const QString& address, quint16 port) const
+qintptr NetworkNamespace::boundUdpSocket(const QString& address) const
 {
-    return socketInside(name_, address, port, SOCK_DGRAM, ::bind);
+    return socketInside(name_, address, 0, SOCK_DGRAM, ::bind);
 }
 
 } // namespace zelmor::testsupport

@@ -6,46 +6,38 @@
 
 namespace zelmor::testsupport {
 
-// A network namespace of its own for one test, with a unique name, removed
-// again when the object goes (also when the test fails half-way). Tests put
-// a veth pair inside (both ends; there is no dummy link type everywhere) and
-// as many addresses as they need. Needs root and "ip netns".
+// A network namespace of its own for one test, with a veth pair "fa"/"fb"
+// (both ends inside, up) carrying the given addresses ("10.1.0.1/24").
+// Removed again when the object goes, also when the test fails half-way;
+// ones that killed runs left behind go with the next. Needs root.
 //
-// Client sockets are made inside the namespace by a short-lived thread that
-// enters it, so the test itself stays where it is and hands the descriptor
-// to a Qt socket.
+// Client sockets are made inside by a short-lived thread that enters the
+// namespace, so the test stays where it is and hands the descriptor on.
 class NetworkNamespace
 {
 public:
-    // Root, and "ip netns" works. Otherwise `why` says what is missing.
-    static bool isAvailable(QString* why);
+    // Root, and "ip netns" works.
+    static bool isAvailable();
 
-    NetworkNamespace();
+    NetworkNamespace(const QStringList& onFa, const QStringList& onFb);
     ~NetworkNamespace();
     NetworkNamespace(const NetworkNamespace&) = delete;
     NetworkNamespace& operator=(const NetworkNamespace&) = delete;
 
-    bool isValid() const { return valid_; }
     QString name() const { return name_; }
+    // Empty when the namespace is complete.
     QString lastError() const { return lastError_; }
-
-    // "ip -n <name> <arguments>"; false with lastError() on failure.
-    bool ip(const QStringList& arguments);
-    // A veth pair with both ends inside, both up.
-    bool addVethPair(const QString& first, const QString& second);
-    bool addAddress(const QString& interfaceName, const QString& addressWithPrefix);
-    // The hardware address that "ip link" shows, lower case with colons.
-    QString macAddress(const QString& interfaceName);
+    // The hardware address of "fa" as "ip link" shows it, in upper case.
+    QString macAddress() const;
 
     // A TCP socket inside, connected to address:port; -1 when refused or on failure.
     qintptr connectedTcpSocket(const QString& address, quint16 port) const;
-    // A UDP socket inside, bound to address (port 0: any).
-    qintptr boundUdpSocket(const QString& address, quint16 port = 0) const;
+    // A UDP socket inside, bound to address and any port.
+    qintptr boundUdpSocket(const QString& address) const;
 
 private:
     QString name_;
     QString lastError_;
-    bool valid_ = false;
 };
 
 } // namespace zelmor::testsupport

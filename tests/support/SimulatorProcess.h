@@ -9,19 +9,13 @@
 
 namespace zelmor::testsupport {
 
-// The real chamber-simulator executable in a folder layout of its own:
+// The real chamber-simulator executable in a folder layout of its own, killed
+// when the object goes:
 //
 //     <tmp>/a/b/c/work          working folder ("database/..." is looked for here)
 //     <tmp>/a/b/c/ZELMOR4.ini   the ini file "../ZELMOR4.ini"
 //     <tmp>/a/database          reached as "../../../database/..."
-//     <tmp>/home/Documents      the documents folder (HOME, XDG_CONFIG_HOME point here)
-//
-// The process is killed when the object goes.
-//
-//     SimulatorProcess simulator;
-//     QVERIFY(simulator.installCatalogue(cataloguePath));
-//     simulator.start({"tlx", "-i127.0.57.1"});
-//     QVERIFY(simulator.waitForOutput("Start TLX simulation"));
+//     <tmp>/home/Documents      the documents folder (HOME points to <tmp>/home)
 class SimulatorProcess
 {
 public:
@@ -29,8 +23,6 @@ public:
     ~SimulatorProcess();
     SimulatorProcess(const SimulatorProcess&) = delete;
     SimulatorProcess& operator=(const SimulatorProcess&) = delete;
-
-    static QString executable();
 
     // Copies a catalogue to a path relative to the working folder.
     bool installCatalogue(const QString& sourceFile,
@@ -41,27 +33,27 @@ public:
     bool hasDocumentsFile(const QString& name) const;
 
     QProcessEnvironment& environment() { return environment_; }
-    // Runs the tool through "ip netns exec <name>".
+    // Runs the tool through "ip netns exec <name>", which keeps the process id.
     void setNetworkNamespace(const QString& name) { networkNamespace_ = name; }
 
     void start(const QStringList& arguments);
-    // Until standard output holds `text` (or the process ends without it).
+    // Until standard output holds `text`; false if the process ends without it.
     bool waitForOutput(const QByteArray& text, int timeoutMs = 10000);
-    // Until the process has ended; false on timeout.
-    bool waitForFinished(int timeoutMs = 10000);
-    // Until the main thread waits in the event loop with nothing left to say:
-    // blocked in a poll-family system call. Returns false if it ends first.
+    // The exit code once the process has ended by itself; -2 on a crash or timeout.
+    int waitForExit(int timeoutMs = 10000);
+    // Until the main thread waits in a poll-family system call with nothing
+    // left to print; false if the process ends first.
     bool waitUntilIdle(int timeoutMs = 10000);
     bool isRunning() const { return process_.state() != QProcess::NotRunning; }
-
-    QByteArray standardOutput() { collect(); return output_; }
-    QByteArray standardError() { collect(); return error_; }
-    int exitCode() const { return process_.exitCode(); }
-    QProcess::ExitStatus exitStatus() const { return process_.exitStatus(); }
     qint64 processId() const { return process_.processId(); }
 
+    QByteArray standardOutput() { collect(); return output_; }
+    // Standard output with each "Adding Signal" line folded into a '+'.
+    QByteArray foldedOutput();
+    QByteArray standardError() { collect(); return error_; }
+
 private:
-    QString path(const char* relative) const;
+    QString path(const QString& relative) const;
     void collect();
 
     QTemporaryDir dir_;

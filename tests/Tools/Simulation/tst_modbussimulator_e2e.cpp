@@ -1,13 +1,12 @@
 // The real chamber-simulator executable serving Modbus chambers of the sample
-// catalogue to Debian's pymodbus, on this binary's own loopback addresses
-// 127.0.83.x: a Modbus TCP chamber (port 502, root only), two tunnelled
-// chambers behind one converter (port 10001) and a serial chamber on a
-// pseudo-terminal. The protocols in detail are tested on the server classes;
-// here the tool's choice of server, its ports, responders and console.
-//
-// No request here reaches the reads that the tunnelled chambers never end
-// (an unknown register asked with a quantity other than 2 or 4, the logger
-// records with a quantity below 12): they would freeze the tool.
+// catalogue to Debian's pymodbus and mbpoll, on this binary's own loopback
+// addresses 127.0.83.x: a Modbus TCP chamber (port 502, root only), two
+// tunnelled chambers behind one converter (port 10001), a serial chamber on a
+// pseudo-terminal. The protocols in detail are the server classes' tests;
+// here the tool's choice of server, its ports, responders and console. No
+// request here reaches the reads that the tunnelled chambers never end (an
+// unknown register asked with a quantity other than 2 or 4, logger records
+// with a quantity below 12): they would freeze the tool.
 
 #include "support/ClientProcess.h"
 #include "support/RtuOverTcp.h"
