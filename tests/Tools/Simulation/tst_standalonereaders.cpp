@@ -93,12 +93,9 @@ private slots:
 
         RampSimulationReader rampReader(chamberType());
         StreamCapture quiet(consoleOutput());
-        QVariantList seen;
-        for (int i = 0; i < ramp.size(); ++i)
-            seen << rampReader.read(address);
-        QCOMPARE(seen, ramp);
-        for (int i = 0; i < ramp.size(); ++i)
-            QCOMPARE(seen.at(i).userType(), ramp.at(i).userType());
+        auto const typed = [](QVariant const& value) { return QString(value.typeName()) + ' ' + value.toString(); };
+        for (QVariant const& expected : ramp)
+            QCOMPARE(typed(rampReader.read(address)), typed(expected));
         QVERIFY(!rampReader.getType(address).isValid());
 
         RandomSimulationReader randomReader(chamberType());

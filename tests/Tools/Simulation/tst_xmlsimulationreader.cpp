@@ -132,9 +132,6 @@ private slots:
         QElapsedTimer elapsed;
         elapsed.start();
         XmlSimulationReader reader(path);
-        QVariant const first = reader.read(1);
-        if (elapsed.elapsed() < 1000)
-            QCOMPARE(first, QVariant(1.0f));
         QTRY_COMPARE_WITH_TIMEOUT(reader.read(1), QVariant(2.0f), 5000);
         QVERIFY2(elapsed.elapsed() >= 1000, qPrintable(QString::number(elapsed.elapsed())));
     }
