@@ -1,7 +1,6 @@
 #include "support/ClientProcess.h"
 
 #include <QProcess>
-#include <QStandardPaths>
 #include <QtTest>
 
 namespace zelmor::testsupport {
@@ -59,6 +58,11 @@ for operation in sys.argv[3:]:
 client.close()
 )";
 
+ClientResult runPymodbus(QString const& script, QStringList const& arguments = {}, int timeoutMs = 30000)
+{
+    return runClient(QLatin1String(python), QStringList{"-c", pymodbusPreamble + script} + arguments, timeoutMs);
+}
+
 } // namespace
 
 ClientResult runClient(QString const& program, QStringList const& arguments, int timeoutMs)
@@ -84,18 +88,17 @@ ClientResult runClient(QString const& program, QStringList const& arguments, int
     return result;
 }
 
-ClientResult runPymodbus(QString const& script, QStringList const& arguments, int timeoutMs)
-{
-    return runClient(QLatin1String(python), QStringList{"-c", pymodbusPreamble + script} + arguments, timeoutMs);
-}
-
 QStringList runModbusOperations(QString const& target, QStringList const& operations, double replyTimeoutS)
 {
     // Enough for every operation to time out once.
     int const timeoutMs = 10000 + static_cast<int>(replyTimeoutS * 1000) * (operations.size() + 1);
     ClientResult const result = runPymodbus(QLatin1String(operationsScript),
                                             QStringList{target, QString::number(replyTimeoutS)} + operations, timeoutMs);
-    QStringList lines = outputLines(result);
+    QStringList lines;
+    for (QString const& line : QString::fromUtf8(result.standardOutput).split(QLatin1Char('\n'))) {
+        if (!line.trimmed().isEmpty())
+            lines << line.trimmed();
+    }
     if (!result.finished || result.exitCode != 0)
         lines << QStringLiteral("client failed: ") + QString::fromUtf8(result.standardError);
     return lines;
@@ -108,20 +111,6 @@ bool hasPymodbus()
         return result.finished && result.exitCode == 0;
     }();
     return available;
-}
-
-bool hasMbpoll()
-{
-    return !QStandardPaths::findExecutable(QStringLiteral("mbpoll")).isEmpty();
-}
-
-QStringList outputLines(ClientResult const& result)
-{
-    QStringList lines;
-    for (QString const& line : QString::fromUtf8(result.standardOutput).split(QLatin1Char('\n')))
-        if (!line.trimmed().isEmpty())
-            lines << line.trimmed();
-    return lines;
 }
 
 } // namespace zelmor::testsupport

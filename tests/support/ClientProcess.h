@@ -21,13 +21,8 @@ struct ClientResult
 // Runs a program with its arguments, killing it after timeoutMs.
 ClientResult runClient(QString const& program, QStringList const& arguments, int timeoutMs = 30000);
 
-// Runs a Python 3 script (/usr/bin/python3) with pymodbus's ModbusTcpClient,
-// ModbusSerialClient and ModbusRtuFramer already imported, and `arguments`
-// in sys.argv[1:].
-ClientResult runPymodbus(QString const& script, QStringList const& arguments = {}, int timeoutMs = 30000);
-
-// Runs pymodbus's synchronous client against one server and does the
-// operations in order, one output line each. `target` is one of
+// Runs pymodbus's synchronous client (/usr/bin/python3) against one server
+// and does the operations in order, one output line each. `target` is one of
 //   "tcp:<host>:<port>:<unit>"            Modbus TCP
 //   "rtu:<serial device>:<unit>"          Modbus RTU, 9600 8N1
 //   "rtu-over-tcp:<host>:<port>:<unit>"   RTU frames over a TCP socket
@@ -42,11 +37,7 @@ ClientResult runPymodbus(QString const& script, QStringList const& arguments = {
 // can't decode, or none, prints "error". Each client waits `replyTimeoutS`.
 QStringList runModbusOperations(QString const& target, QStringList const& operations, double replyTimeoutS = 3);
 
-// Whether python3 with pymodbus, and mbpoll, are installed.
+// Whether python3 with pymodbus is installed.
 bool hasPymodbus();
-bool hasMbpoll();
-
-// The lines of a client's standard output, trimmed, empty ones dropped.
-QStringList outputLines(ClientResult const& result);
 
 } // namespace zelmor::testsupport

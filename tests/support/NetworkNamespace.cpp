@@ -110,8 +110,7 @@ QString NetworkNamespace::macAddress() const
 {
     QString output;
     runIp(QStringLiteral("-n %1 -o link show dev fa").arg(name_), &output);
-    const QRegularExpressionMatch match = QRegularExpression(QStringLiteral("link/ether ([0-9a-f:]{17})")).match(output);
-    return match.captured(1).toUpper();
+    return QRegularExpression(QStringLiteral("link/ether ([0-9a-f:]{17})")).match(output).captured(1).toUpper();
 }
 
 qintptr NetworkNamespace::connectedTcpSocket(const QString& address, quint16 port) const

@@ -34,7 +34,8 @@ SimulatorProcess::SimulatorProcess()
     QDir(dir_.path()).mkpath(documentsFolder);
     environment_.insert(QStringLiteral("HOME"), path(QStringLiteral("home")));
     // Else the documents folder could come from the user's own user-dirs.dirs.
-    environment_.remove(QStringLiteral("XDG_CONFIG_HOME"));
+    for (const char* name : {"XDG_CONFIG_HOME", "QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
+        environment_.remove(QLatin1String(name));
     process_.setWorkingDirectory(path(workingFolder));
 }
 

@@ -16,13 +16,13 @@ namespace zelmor::testsupport {
 //     <tmp>/a/b/c/ZELMOR4.ini   the ini file "../ZELMOR4.ini"
 //     <tmp>/a/database          reached as "../../../database/..."
 //     <tmp>/home/Documents      the documents folder (HOME points to <tmp>/home)
+//
+// It runs without a display, as on a server.
 class SimulatorProcess
 {
 public:
     SimulatorProcess();
     ~SimulatorProcess();
-    SimulatorProcess(const SimulatorProcess&) = delete;
-    SimulatorProcess& operator=(const SimulatorProcess&) = delete;
 
     // Copies a catalogue to a path relative to the working folder.
     bool installCatalogue(const QString& sourceFile,
@@ -32,7 +32,6 @@ public:
     QByteArray documentsFile(const QString& name) const;
     bool hasDocumentsFile(const QString& name) const;
 
-    QProcessEnvironment& environment() { return environment_; }
     // Runs the tool through "ip netns exec <name>", which keeps the process id.
     void setNetworkNamespace(const QString& name) { networkNamespace_ = name; }
 

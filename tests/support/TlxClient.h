@@ -44,7 +44,8 @@ public:
 
     bool send(const QByteArray& bytes)
     {
-        return socket_.write(bytes) == bytes.size() && (socket_.waitForBytesWritten(5000) || socket_.bytesToWrite() == 0);
+        return socket_.write(bytes) == bytes.size()
+               && (socket_.waitForBytesWritten(5000) || socket_.bytesToWrite() == 0);
     }
 
     // One framed answer: a decimal length line, then that many characters.

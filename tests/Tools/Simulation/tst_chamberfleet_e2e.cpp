@@ -83,6 +83,14 @@ void checkChamber(NetworkNamespace const& space, QByteArray const& address, QStr
                  + "\tControllertype:TLX\tCOMType:TLXDirect\tProgramController:False\r\n");
 }
 
+// A simulator in a namespace of its own. The simulator goes first: a
+// namespace goes only with its last process.
+struct Fleet
+{
+    std::unique_ptr<NetworkNamespace> space;
+    std::unique_ptr<SimulatorProcess> simulator = std::make_unique<SimulatorProcess>();
+};
+
 } // namespace
 
 class TestChamberFleetEndToEnd : public QObject
@@ -91,7 +99,6 @@ class TestChamberFleetEndToEnd : public QObject
 
 private slots:
     void initTestCase();
-    void cleanupTestCase();
     void instancesFleet();
     void automaticFleet();
     void tunnelledInstances();
@@ -99,30 +106,23 @@ private slots:
     void badInputOnTheWire();
 
 private:
-    // The simulator in a namespace whose veth ends carry these addresses.
-    std::unique_ptr<SimulatorProcess> launch(std::unique_ptr<NetworkNamespace>& space, QStringList const& onFa,
-                                             QStringList const& onFb, QStringList const& arguments);
+    // The veth ends carry these addresses.
+    Fleet launch(QStringList const& onFa, QStringList const& onFb, QStringList const& arguments);
 
     TestDatabase databases;
     QString catalogue;
     // Shared by the instance fleet and the bad input tests: three chambers of type 9.
-    std::unique_ptr<NetworkNamespace> instances;
-    std::unique_ptr<SimulatorProcess> instancesSimulator;
+    Fleet instances;
 };
 
-std::unique_ptr<SimulatorProcess> TestChamberFleetEndToEnd::launch(std::unique_ptr<NetworkNamespace>& space,
-                                                                   QStringList const& onFa, QStringList const& onFb,
-                                                                   QStringList const& arguments)
+Fleet TestChamberFleetEndToEnd::launch(QStringList const& onFa, QStringList const& onFb, QStringList const& arguments)
 {
-    space = std::make_unique<NetworkNamespace>(onFa, onFb);
-    auto simulator = std::make_unique<SimulatorProcess>();
-    if (!space->lastError().isEmpty() || !simulator->installCatalogue(catalogue)) {
-        qWarning() << space->lastError();
-        return {};
+    Fleet fleet{std::make_unique<NetworkNamespace>(onFa, onFb)};
+    if (fleet.space->lastError().isEmpty() && fleet.simulator->installCatalogue(catalogue)) {
+        fleet.simulator->setNetworkNamespace(fleet.space->name());
+        fleet.simulator->start(arguments);
     }
-    simulator->setNetworkNamespace(space->name());
-    simulator->start(arguments);
-    return simulator;
+    return fleet;
 }
 
 void TestChamberFleetEndToEnd::initTestCase()
@@ -133,25 +133,16 @@ void TestChamberFleetEndToEnd::initTestCase()
     QVERIFY2(!catalogue.isEmpty(), qPrintable(databases.lastError()));
     // Three addresses of one subnet on "fa", one of another subnet on "fb";
     // more instances than addresses in the subnet of 10.201.0.2: cut down to three.
-    instancesSimulator = launch(instances, {"10.201.0.1/24", "10.201.0.2/24", "10.201.0.3/24"}, {"10.202.0.1/24"},
-                                {"-n5", "-i10.201.0.2"});
-    QVERIFY(instancesSimulator);
-    QVERIFY2(instancesSimulator->waitForOutput(startLine("KBF 240 E6", "10.201.0.3")),
-             instancesSimulator->standardError().constData());
-}
-
-void TestChamberFleetEndToEnd::cleanupTestCase()
-{
-    // The simulator first: a namespace goes only with its last process.
-    instancesSimulator.reset();
-    instances.reset();
+    instances = launch({"10.201.0.1/24", "10.201.0.2/24", "10.201.0.3/24"}, {"10.202.0.1/24"}, {"-n5", "-i10.201.0.2"});
+    QVERIFY2(instances.simulator->waitForOutput(startLine("KBF 240 E6", "10.201.0.3")),
+             qPrintable(instances.space->lastError() + instances.simulator->standardError()));
 }
 
 void TestChamberFleetEndToEnd::instancesFleet()
 {
-    QString const mac = instances->macAddress();
+    QString const mac = instances.space->macAddress();
     QVERIFY(!mac.isEmpty());
-    QVERIFY(instancesSimulator->waitUntilIdle());
+    QVERIFY(instances.simulator->waitUntilIdle());
     QString rows;
     QByteArray starts;
     for (int index = 0; index < 3; ++index) {
@@ -159,13 +150,13 @@ void TestChamberFleetEndToEnd::instancesFleet()
         rows += extractRow(1000, index, 9, "KBF 240 E6 at " + address, address, mac, 0, "4,-1");
         starts += startLine("KBF 240 E6", address.toLatin1());
     }
-    QCOMPARE(instancesSimulator->foldedOutput(), readingDefault + QByteArray(30, '+') + starts);
-    QCOMPARE(QString::fromUtf8(instancesSimulator->documentsFile(extractFile)), rows);
+    QCOMPARE(instances.simulator->foldedOutput(), readingDefault + QByteArray(30, '+') + starts);
+    QCOMPARE(QString::fromUtf8(instances.simulator->documentsFile(extractFile)), rows);
 
     for (QByteArray const address : {"10.201.0.1", "10.201.0.2", "10.201.0.3"})
-        checkChamber(*instances, address, mac, "KBF 240 E6");
+        checkChamber(*instances.space, address, mac, "KBF 240 E6");
     // The address of the other subnet serves nothing.
-    QCOMPARE(instances->connectedTcpSocket(QStringLiteral("10.202.0.1"), 9000), qintptr(-1));
+    QCOMPARE(instances.space->connectedTcpSocket(QStringLiteral("10.202.0.1"), 9000), qintptr(-1));
 }
 
 // Every kind of chamber of the catalogue, one for each qualified type name
@@ -179,12 +170,10 @@ void TestChamberFleetEndToEnd::automaticFleet()
     QStringList addresses;
     for (int host = 1; host <= 9; ++host)
         addresses << QStringLiteral("10.206.0.%1/24").arg(host);
-    std::unique_ptr<NetworkNamespace> space;
     // The selector isn't held by the machine, it picks the subnet on "fa";
     // -m, -n, -i and the type words play no part.
-    std::unique_ptr<SimulatorProcess> simulator =
-        launch(space, addresses, {"10.203.0.1/24"}, {"-a10.206.0.77", "-m12", "-n1", "kv2", "-i10.203.0.1"});
-    QVERIFY(simulator);
+    auto const [space, simulator] =
+        launch(addresses, {"10.203.0.1/24"}, {"-a10.206.0.77", "-m12", "-n1", "kv2", "-i10.203.0.1"});
 
     // Protocol "4,-1": TLX, "3,-1": Modbus TCP, "1,0": tunnelled.
     struct Chamber { int type; char const* name; int host; int slave; char const* protocol; };
@@ -209,7 +198,7 @@ void TestChamberFleetEndToEnd::automaticFleet()
             starts += startLine(chamber.name, address);
         rows += extractRow(100, index, chamber.type, chamber.name, address, mac, chamber.slave, chamber.protocol);
     }
-    QVERIFY2(simulator->waitForOutput(starts + starts), simulator->standardOutput().constData());
+    QVERIFY2(simulator->waitForOutput(starts + starts), qPrintable(space->lastError() + simulator->standardOutput()));
     QVERIFY(simulator->waitUntilIdle());
     QByteArray const output = simulator->foldedOutput();
     QVERIFY2(output.startsWith(readingDefault + '+') && output.endsWith(starts + starts), output.constData());
@@ -238,10 +227,7 @@ void TestChamberFleetEndToEnd::automaticFleet()
 // addresses have run out.
 void TestChamberFleetEndToEnd::tunnelledInstances()
 {
-    std::unique_ptr<NetworkNamespace> space;
-    std::unique_ptr<SimulatorProcess> simulator = launch(space, {"10.205.0.1/24", "10.205.0.2/24"}, {},
-                                                         {"-m60", "-n200", "-i10.205.0.1"});
-    QVERIFY(simulator);
+    auto const [space, simulator] = launch({"10.205.0.1/24", "10.205.0.2/24"}, {}, {"-m60", "-n200", "-i10.205.0.1"});
     QString const mac = space->macAddress();
     QByteArray starts;
     QString rows;
@@ -252,7 +238,8 @@ void TestChamberFleetEndToEnd::tunnelledInstances()
         rows += extractRow(1000, index, 60, index == 0 ? "VT 4021 Z3 at 10.205.0.1" : "VT 4021 Z3 at 10.205.0.2",
                            converter, mac, slave, "1,0");
     }
-    QVERIFY2(simulator->waitForOutput(tunnelledStartLine("VT 4021 Z3", "10.205.0.2", 1), 20000), simulator->standardError().constData());
+    QVERIFY2(simulator->waitForOutput(tunnelledStartLine("VT 4021 Z3", "10.205.0.2", 1), 20000),
+             qPrintable(space->lastError() + simulator->standardError()));
     QVERIFY(simulator->waitUntilIdle());
     QCOMPARE(simulator->foldedOutput(), readingDefault + QByteArray(4 * 101, '+') + starts);
     QCOMPARE(QString::fromUtf8(simulator->documentsFile(extractFile)), rows);
@@ -300,12 +287,12 @@ void TestChamberFleetEndToEnd::badInputOnTheWire()
     QFETCH(bool, abort);
     QString const target = QStringLiteral("10.201.0.1");
     TlxClient other;
-    QVERIFY(other.connectTo(QStringLiteral("10.201.0.2"), instances.get()));
+    QVERIFY(other.connectTo(QStringLiteral("10.201.0.2"), instances.space.get()));
 
     std::vector<std::unique_ptr<TlxClient>> attackers;
     for (int connection = 0; connection < connections; ++connection) {
         attackers.push_back(std::make_unique<TlxClient>());
-        QVERIFY(attackers.back()->connectTo(target, instances.get()));
+        QVERIFY(attackers.back()->connectTo(target, instances.space.get()));
         for (int repeat = 0; repeat < repeats; ++repeat)
             QVERIFY(attackers.back()->send(payload));
         if (abort)
@@ -317,10 +304,10 @@ void TestChamberFleetEndToEnd::badInputOnTheWire()
         QCOMPARE(answer.frame, linkAnswer);
         QVERIFY2(answer.elapsedNs < 2000LL * 1000 * 1000, qPrintable(QString::number(answer.elapsedNs)));
     }
-    QVERIFY(instancesSimulator->isRunning());
+    QVERIFY(instances.simulator->isRunning());
     attackers.clear();
     TlxClient fresh;
-    QVERIFY(fresh.connectTo(target, instances.get()));
+    QVERIFY(fresh.connectTo(target, instances.space.get()));
     QCOMPARE(fresh.request(linkTest).frame, linkAnswer);
 }
 

@@ -29,8 +29,9 @@ QByteArray const linkTest = "CANIDGetValue:10010010\r\n";
 QByteArray const linkAnswer = "41\r\nCANIDGetValue:10010010:Communication OK\r\n";
 QByteArray const error = "07\r\nError\r\n";
 QByteArray const readingDefault = "Reading database in default folders\r\n";
-QByteArray const usage = "Usage: \n [-iXXXX] XXXX=IPAddress\n [-pXXXX] XXXX=Internet Port\n [tlx] creates a TLX chamber\n"
-                         " [kv2] creates a TLX chamber\n [-mXXX] creates a chamber based on the database id XXX\n"
+QByteArray const usage = "Usage: \n [-iXXXX] XXXX=IPAddress\n [-pXXXX] XXXX=Internet Port\n"
+                         " [tlx] creates a TLX chamber\n [kv2] creates a TLX chamber\n"
+                         " [-mXXX] creates a chamber based on the database id XXX\n"
                          " [-nXXX] creates XXX instances of chambers\n [-xXXX] Defines the value file\n";
 
 QString address(int host)
@@ -85,6 +86,7 @@ private slots:
 private:
     TestDatabase databases;
     QString catalogue;
+    QString wrongKeyCatalogue;
     rlim_t hardFileLimit = 0;
     std::map<int, std::unique_ptr<SimulatorProcess>> chambers;
     std::map<int, std::unique_ptr<TlxClient>> clients;
@@ -96,7 +98,9 @@ private:
 void TestChamberSimulatorEndToEnd::initTestCase()
 {
     catalogue = zelmor::testsupport::createSampleCatalogue(databases);
-    QVERIFY2(!catalogue.isEmpty(), qPrintable(databases.lastError()));
+    QString const otherKey = QStringLiteral("ffeeddccbbaa99887766554433221100");
+    wrongKeyCatalogue = databases.createEncrypted(QStringLiteral("wrongkey.sqlite3"), "CREATE TABLE t(a);", otherKey);
+    QVERIFY2(!catalogue.isEmpty() && !wrongKeyCatalogue.isEmpty(), qPrintable(databases.lastError()));
     // The tools started here inherit a low soft limit of open files.
     rlimit limit{};
     QCOMPARE(getrlimit(RLIMIT_NOFILE, &limit), 0);
@@ -109,8 +113,6 @@ void TestChamberSimulatorEndToEnd::initTestCase()
     for (auto const& [host, arguments] : sharedChambers) {
         auto& simulator = chambers[host] = std::make_unique<SimulatorProcess>();
         QVERIFY(simulator->installCatalogue(catalogue));
-        for (char const* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
-            simulator->environment().remove(QLatin1String(name));
         host5StartedMs = sinceStart.elapsed();
         simulator->start(arguments);
         QVERIFY2(simulator->waitForOutput("Start TLX simulation"), simulator->standardError().constData());
@@ -211,8 +213,8 @@ void TestChamberSimulatorEndToEnd::discovery()
     QVERIFY2(chambers.at(5)->waitForOutput(lines, 5000), chambers.at(5)->standardOutput().constData());
 }
 
-// The shared chambers came up without a display, and lifted their soft limit
-// of open files to the hard limit: a TLX chamber holds three descriptors.
+// The chambers came up without a display, and lifted their soft limit of
+// open files to the hard limit: a TLX chamber holds three descriptors.
 void TestChamberSimulatorEndToEnd::startsWithoutDisplayAndRaisesTheFileLimit()
 {
     QFile limits(QStringLiteral("/proc/%1/limits").arg(chambers.at(1)->processId()));
@@ -247,7 +249,7 @@ void TestChamberSimulatorEndToEnd::commandLine_data()
         "Reading database /nonexistent-zelmor/catalogue.sqlite3\r\n", {},
         "[%General]\nConfigDatabasePath=/nonexistent-zelmor/catalogue.sqlite3\n");
     // A wrong key opens, but the first read fails: the catalogue counts as not opened.
-    row("wrong key", {"tlx", "-i127.0.57.30"}, "wrong key", notOpened, readingDefault);
+    row("wrong key", {"tlx", "-i127.0.57.30"}, inDefault, notOpened, readingDefault);
     row("second default folder", {"tlx", "-i127.0.57.23"}, "../../../database/configuration.sqlite3", -1,
         started(9, "HX 60 Z6", 23), link);
     row("unknown arguments and -p change nothing, -i texts run together",
@@ -273,15 +275,9 @@ void TestChamberSimulatorEndToEnd::commandLine()
     QFETCH(QByteArrayList, exchange);
 
     SimulatorProcess simulator;
-    if (catalogueAt == QLatin1String("wrong key")) {
-        QString const wrongKey = databases.createEncrypted(QStringLiteral("wrongkey.sqlite3"),
-                                                           QStringLiteral("CREATE TABLE t(a);"),
-                                                           QStringLiteral("ffeeddccbbaa99887766554433221100"));
-        QVERIFY2(!wrongKey.isEmpty(), qPrintable(databases.lastError()));
-        QVERIFY(simulator.installCatalogue(wrongKey));
-    } else if (!catalogueAt.isEmpty()) {
-        QVERIFY(simulator.installCatalogue(catalogue, catalogueAt));
-    }
+    bool const wrongKey = QTest::currentDataTag() == QByteArray("wrong key");
+    if (!catalogueAt.isEmpty())
+        QVERIFY(simulator.installCatalogue(wrongKey ? wrongKeyCatalogue : catalogue, catalogueAt));
     if (!ini.isEmpty())
         QVERIFY(simulator.writeIni(ini));
 
