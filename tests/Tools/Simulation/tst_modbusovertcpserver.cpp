@@ -101,6 +101,10 @@ void TestModbusOverTcpServer::eachClientGetsItsOwnReplies()
     QCOMPARE(second.readAll() + third.readAll(), QByteArray());
 }
 
+// One converter for each address and port, listening from its creation on,
+// with a Wut responder on 8513, or an XPort one on 30718 for converter port
+// 8000. Either answers any datagram, even an empty one, with 22 reserved
+// bytes and the hardware address: 28 zero bytes on a loopback address.
 void TestModbusOverTcpServer::oneConverterForEachAddressAndPort()
 {
     ModbusOverTcpServer* const converter = ModbusOverTcpServerFactory::create(address(3), port);
@@ -108,20 +112,23 @@ void TestModbusOverTcpServer::oneConverterForEachAddressAndPort()
     QVERIFY(ModbusOverTcpServerFactory::create(address(3), 10002) != converter);
     QVERIFY(ModbusOverTcpServerFactory::create(address(4), port) != converter);
     ModbusOverTcpServerFactory::create(address(5), 8000);
-    // The converter listens from its creation on.
     QTcpSocket tcpClient;
     QVERIFY(connected(tcpClient, 3));
 
-    // A Wut responder on 8513, except for converter port 8000, which has an
-    // XPort one on 30718.
     StreamCapture console(consoleOutput());
     QUdpSocket client;
     QVERIFY(client.bind(QHostAddress(address(200)), 0));
-    for (auto const& [host, discoveryPort] : {std::pair{3, 8513}, std::pair{5, 30718}}) {
-        client.writeDatagram(QByteArray(), QHostAddress(address(host)), quint16(discoveryPort));
-        QTRY_VERIFY(client.hasPendingDatagrams());
-        QCOMPARE(client.receiveDatagram().senderAddress(), QHostAddress(address(host)));
+    for (QByteArray const& datagram : {QByteArray(), QByteArray(300, '\xff')}) {
+        for (auto const& [host, discoveryPort] : {std::pair{4, 8513}, std::pair{5, 30718}}) {
+            QCOMPARE(client.writeDatagram(datagram, QHostAddress(address(host)), quint16(discoveryPort)), datagram.size());
+            QTRY_VERIFY(client.hasPendingDatagrams());
+            QNetworkDatagram const reply = client.receiveDatagram();
+            QCOMPARE(reply.data(), QByteArray(28, '\0'));
+            QCOMPARE(reply.senderAddress(), QHostAddress(address(host)));
+            QCOMPARE(reply.senderPort(), discoveryPort);
+        }
     }
+    QCOMPARE(console.text(), ("UDP Request from 127.0.77.200:" + QByteArray::number(client.localPort()) + "\r\n").repeated(4));
 }
 
 QTEST_GUILESS_MAIN(TestModbusOverTcpServer)

@@ -1,6 +1,7 @@
-// The TLX wire format of one chamber, on a real socket on this binary's own
-// loopback addresses 127.0.41.x, against a reader of fixed values. Plain
-// reads and writes of the catalogue's types are the end-to-end test's.
+// The TLX wire format and discovery reply of one chamber, on real sockets on
+// this binary's own loopback addresses 127.0.41.x, where no broadcasting
+// interface gives a hardware address, against a reader of fixed values.
+// Plain reads and writes of the catalogue's types are the end-to-end test's.
 
 #include "Domain/Types/ChamberTypeData.h"
 #include "Tools/Simulation/ConsoleOutput.h"
@@ -10,7 +11,9 @@
 #include "support/StreamCapture.h"
 
 #include <QtTest>
+#include <QNetworkDatagram>
 #include <QTcpSocket>
+#include <QUdpSocket>
 
 #include <functional>
 #include <tuple>
@@ -86,6 +89,7 @@ private slots:
     void exchange();
     void newestClientWins();
     void shortBodyTakesTwoDigits();
+    void discoveryBeforeStart();
 };
 
 void TestTlxChamberSimulation::exchange_data()
@@ -175,6 +179,32 @@ void TestTlxChamberSimulation::newestClientWins()
 void TestTlxChamberSimulation::shortBodyTakesTwoDigits()
 {
     QCOMPARE(TlxChamberSimulation::frame(QStringLiteral("Answer\r\n\xe4")), QByteArray("09\r\nAnswer\r\n\xc3\xa4"));
+}
+
+// On port 9001 whatever the chamber's port; every datagram answered, an
+// empty one too, and printed up to a NUL byte as it came.
+void TestTlxChamberSimulation::discoveryBeforeStart()
+{
+    QHostAddress const responder(address(7));
+    TlxChamberSimulation const chamber(hx60(), address(7), 9100);
+    StreamCapture console(consoleOutput());
+    QUdpSocket client;
+    QVERIFY(client.bind(QHostAddress(address(200)), 0));
+    QByteArray const reply = "IP:127.0.41.7 Port:9001 MAC:00:00:00:00:00:00\tChambertype:HX 60 Z6\t"
+                             "Controllertype:TLX\tCOMType:TLXDirect\tProgramController:False\r\n";
+    QByteArray const sender = "127.0.41.200:" + QByteArray::number(client.localPort());
+    QByteArray expectedConsole;
+    for (QByteArray const& datagram : {QByteArray(), QByteArrayLiteral("ab\0cd"), QByteArray("%1")}) {
+        QCOMPARE(client.writeDatagram(datagram, responder, 9001), datagram.size());
+        QTRY_VERIFY(client.hasPendingDatagrams());
+        QNetworkDatagram const answer = client.receiveDatagram();
+        QCOMPARE(answer.data(), reply);
+        QCOMPARE(answer.senderAddress(), responder);
+        QCOMPARE(answer.senderPort(), 9001);
+        expectedConsole += "UDP Request " + QByteArray(datagram.constData()) + " from " + sender + "\r\nSender:"
+                           + sender + " \r\n" + reply + "\r\n";
+    }
+    QCOMPARE(console.text(), expectedConsole);
 }
 
 QTEST_GUILESS_MAIN(TestTlxChamberSimulation)
