@@ -163,8 +163,8 @@ void TestModbusRtuOverTcpChamberSimulation::loggerMinutes()
     QCOMPARE(reply.toHex(), withCrc(hex("050308") + reply.mid(3, 4) + reply.mid(3, 4)).toHex());
 }
 
-// Random writes of functions 6 and 16 and frames cut short, one with a byte
-// count beyond its end, harm nobody. Nothing here may read: a read without
+// Random writes of functions 6 and 16 and frames cut short, two with a byte
+// count beyond their end, harm nobody. Nothing here may read: a read without
 // progress would never end. Register 0 is unknown to the reader: the
 // table's int 1 comes back, whatever was written.
 void TestModbusRtuOverTcpChamberSimulation::badInputHarmsNobody()
@@ -179,7 +179,8 @@ void TestModbusRtuOverTcpChamberSimulation::badInputHarmsNobody()
         for (int size = generator.bounded(0, 40); size > 0; --size)
             frames.last() += char(generator.bounded(256));
     }
-    frames << hex("6403010000") << hex("64100300000408") << hex("6410030000040811") << withCrc(hex("640300000002"));
+    frames << hex("6403010000") << hex("64100300000408") << hex("6410030000040811") << hex("6410130800020400")
+           << withCrc(hex("640300000002"));
     for (QByteArray const& frame : frames)
         QVERIFY(deliver(attacker, frame));
     QByteArray received;
