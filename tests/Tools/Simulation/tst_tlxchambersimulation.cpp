@@ -192,7 +192,8 @@ void TestTlxChamberSimulation::shortBodyTakesTwoDigits()
 }
 
 // On port 9001 whatever the chamber's port; every datagram answered, an
-// empty one too, and printed up to a NUL byte as it came.
+// empty one too, and printed up to a NUL byte as it came. The sender of the
+// reply is the end-to-end test's.
 void TestTlxChamberSimulation::discoveryBeforeStart()
 {
     QHostAddress const responder(address(7));
@@ -207,10 +208,7 @@ void TestTlxChamberSimulation::discoveryBeforeStart()
     for (QByteArray const& datagram : {QByteArray(), QByteArrayLiteral("ab\0cd"), QByteArray("%1")}) {
         QCOMPARE(client.writeDatagram(datagram, responder, 9001), datagram.size());
         QTRY_VERIFY(client.hasPendingDatagrams());
-        QNetworkDatagram const answer = client.receiveDatagram();
-        QCOMPARE(answer.data(), reply);
-        QCOMPARE(answer.senderAddress(), responder);
-        QCOMPARE(answer.senderPort(), 9001);
+        QCOMPARE(client.receiveDatagram().data(), reply);
         expectedConsole += "UDP Request " + QByteArray(datagram.constData()) + " from " + sender + "\r\nSender:"
                            + sender + " \r\n" + reply + "\r\n";
     }
