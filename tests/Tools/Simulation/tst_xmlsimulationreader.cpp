@@ -79,6 +79,15 @@ private slots:
         QTest::newRow("unit8 falls back to the earlier tag") << values << qint64(10000) << 0x1A << 1.0f;
         QTest::newRow("unit8 with nothing earlier is 0") << values << qint64(10000) << 5 << 0.0f;
 
+        // A long script, one tag a second: every read walks the tags passed.
+        QByteArray longScript = "<script>";
+        for (int i = 0; i < 10000; ++i)
+            longScript += "<time seconds='" + QByteArray::number(i) + "'><value address='1'>" + QByteArray::number(i)
+                + "</value></time>";
+        longScript += "</script>";
+        QTest::newRow("10 000 tags: the last") << longScript << qint64(9999000) << 1 << 9999.0f;
+        QTest::newRow("10 000 tags: the middle") << longScript << qint64(5000500) << 1 << 5000.0f;
+
         QByteArray const nesting = "<a><b x='1'><c><value address='9'>99</value>"
                                    "<time seconds='0'><value address='1'>1</value>"
                                    "  <time seconds='10'><value address='1'>2</value></time>"
