@@ -94,7 +94,6 @@ private slots:
 
     void unreadableFiles_data();
     void unreadableFiles();
-    void openFailsInMissingFolder();
 
     void rowsAffectedAndLastInsertId_data();
     void rowsAffectedAndLastInsertId();
@@ -189,7 +188,6 @@ void tst_SqlCipherDriver::bindsAndReadsBack_data()
     row("double max", std::numeric_limits<double>::max(), "real|1.79769313486231562234e+308",
         std::numeric_limits<double>::max());
     row("float", 0.5f, "real|0.5", 0.5);
-    row("empty text", QString(""), "text|''", QString(""));
     const QString text = QString::fromUtf8("it's Grüße ✓ 温度 😀");
     row("text", text, "text|'it''s Grüße ✓ 温度 😀'", text);
     const QByteArray zeros("\x00\x01\x00\xff", 4);
@@ -240,10 +238,10 @@ void tst_SqlCipherDriver::unreadableFiles_data()
     QTest::addColumn<QString>("key");
 
     // The engine takes any key; it is only checked when a page is read.
-    QTest::newRow("other key") << "encrypted" << "ffffffffffffffffffffffffffffffff";
+    QTest::newRow("other key") << "encrypted" << otherKey;
     QTest::newRow("no key") << "encrypted" << QString();
     QTest::newRow("plain sqlite3 file") << "plain" << projectKey;
-    QTest::newRow("encrypted file cut in half") << "half" << projectKey;
+    QTest::newRow("missing folder") << "missing" << projectKey;
 }
 
 void tst_SqlCipherDriver::unreadableFiles()
@@ -251,44 +249,26 @@ void tst_SqlCipherDriver::unreadableFiles()
     QFETCH(QString, kind);
     QFETCH(QString, key);
 
-    const QString sql = QStringLiteral(
-        "CREATE TABLE t(id INTEGER PRIMARY KEY, name TEXT);"
-        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 400) "
-        "INSERT INTO t(name) SELECT 'secret ' || printf('%0200d', i) FROM n;");
-    QString path = kind == QLatin1String("plain") ? files_->createPlain(QStringLiteral("p.sqlite3"), sql) : seeded(sql);
-    if (kind == QLatin1String("half")) {
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::ReadOnly) && file.size() > 40000);
-        path = files_->createFile(QStringLiteral("cut.sqlite3"), file.readAll().left(int(file.size() / 2)));
-    }
+    const QString path = kind == QLatin1String("plain")     ? files_->createPlain(QStringLiteral("p.sqlite3"), seedSql)
+                         : kind == QLatin1String("missing") ? files_->filePath(QStringLiteral("missing/db.sqlite3"))
+                                                            : seeded();
     QVERIFY2(!path.isEmpty(), qPrintable(files_->lastError()));
-
     QSqlDatabase db = open(path, key);
+    if (kind == QLatin1String("missing")) {
+        QVERIFY(!db.isOpen());
+        QCOMPARE(db.lastError().type(), QSqlError::ConnectionError);
+        QCOMPARE(db.lastError().databaseText() + db.lastError().nativeErrorCode(),
+                 QStringLiteral("unable to open database file14"));
+        return;
+    }
     QVERIFY2(db.isOpen(), qPrintable(db.lastError().text()));
     QSqlQuery query(db);
-    query.setForwardOnly(true);
-    QStringList read;
-    if (query.exec(QStringLiteral("SELECT name FROM t")))
-        read = firstColumn(query);
-    QVERIFY2(query.lastError().isValid(), qPrintable(QStringLiteral("%1 rows read").arg(read.size())));
+    QVERIFY(!query.exec(QStringLiteral("SELECT name FROM t")));
     QCOMPARE(query.lastError().type(), QSqlError::StatementError);
-    QVERIFY(read.size() < 400);
-    if (kind == QLatin1String("half"))
-        return; // its first page is intact
-    QVERIFY(read.isEmpty());
+    QCOMPARE(query.lastError().databaseText() + query.lastError().nativeErrorCode(),
+             QStringLiteral("file is encrypted or is not a database26"));
     QVERIFY(db.tables(QSql::AllTables).isEmpty());
     QVERIFY(db.record(QStringLiteral("t")).isEmpty());
-    QCOMPARE(query.lastError().databaseText(), QStringLiteral("file is encrypted or is not a database"));
-    QCOMPARE(query.lastError().nativeErrorCode(), QStringLiteral("26"));
-}
-
-void tst_SqlCipherDriver::openFailsInMissingFolder()
-{
-    QSqlDatabase db = open(files_->filePath(QStringLiteral("missing/deeper/db.sqlite3")));
-    QVERIFY(!db.isOpen());
-    QCOMPARE(db.lastError().type(), QSqlError::ConnectionError);
-    QCOMPARE(db.lastError().databaseText(), QStringLiteral("unable to open database file"));
-    QCOMPARE(db.lastError().nativeErrorCode(), QStringLiteral("14"));
 }
 
 void tst_SqlCipherDriver::rowsAffectedAndLastInsertId_data()
@@ -300,11 +280,8 @@ void tst_SqlCipherDriver::rowsAffectedAndLastInsertId_data()
     // Each runs after the insert of row 4, whose id must not show behind other statements.
     const QVariant none;
     QTest::newRow("insert") << "INSERT INTO t(name) VALUES ('five')" << 1 << QVariant(qlonglong(5));
-    QTest::newRow("insert of four rows") << "INSERT INTO t(name) SELECT name FROM t" << 4 << QVariant(qlonglong(8));
     QTest::newRow("insert ignored") << "INSERT OR IGNORE INTO t(id, name) VALUES (1, 'again')" << 0 << none;
-    QTest::newRow("replace") << "REPLACE INTO t(id, name) VALUES (2, 'deux')" << 1 << QVariant(qlonglong(2));
     QTest::newRow("update all") << "UPDATE t SET name = name || '!'" << 4 << none;
-    QTest::newRow("delete") << "DELETE FROM t WHERE id > 1" << 3 << none;
     QTest::newRow("create table") << "CREATE TABLE u(a)" << 0 << none;
     QTest::newRow("select") << "SELECT id FROM t" << -1 << none;
 }

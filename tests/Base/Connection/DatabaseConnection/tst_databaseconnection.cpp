@@ -56,24 +56,15 @@ const QList<NameRow>& nameRows()
         {"Recording 16384, spelled so", [] { return DC::lookupRecordingColumnName(RecordingProperty(16384)); },
          "is_start_reconding_allowed"},
         {"Chamber 18, not created", [] { return DC::lookupChamberColumnName(ChamberProperty(18)); }, "converter_id"},
-        {"GlobalSettings 44, the last", [] { return DC::lookupGlobalSettingsColumnName(GlobalSettingsProperty(44)); },
-         "sirenbox_is_active"},
         {"signal type set_point", [] { return QString::number(DC::signalTypeMap.value("set_point")); }, "1"},
         {"signal type unknown", [] { return QString::number(DC::signalTypeMap.value("SET_POINT")); }, "0"},
         {"access WO", [] { return QString::number(DC::accessMap.value("WO")); }, "1"},
-        {"access empty", [] { return QString::number(DC::accessMap.value("")); }, "3"},
-        {"variable INT8 is a plain int", [] { return QString::number(DC::variableTypeMap.value("INT8")); }, "2"},
         {"variable INT16", [] { return QString::number(DC::variableTypeMap.value("INT16")); }, "33"},
         {"variable with array size", [] { return QString::number(DC::variableTypeMap.value("UINT16[4]")); }, "0"},
         // Nothing in this program registers the type but the map's filling.
         {"variable INT10", [] { return QString::fromLatin1(QMetaType::typeName(DC::variableTypeMap.value("INT10"))); },
          "zelmor::domain::types::Int10"},
         {"Chamber 19, past the last", [] { return DC::lookupChamberColumnName(ChamberProperty(19)); }, nullptr},
-        {"Recording 4096, a gap in the bits", [] { return DC::lookupRecordingColumnName(RecordingProperty(4096)); },
-         nullptr},
-        {"Signal -1", [] { return DC::lookupSignalColumnName(SignalProperty(-1)); }, nullptr},
-        {"DefaultToleranceRange -1",
-         [] { return DC::lookupDefaultToleranceRangeColumnName(DefaultToleranceRangeProperty(-1)); }, nullptr},
     };
     return rows;
 }
@@ -95,21 +86,6 @@ const QString recordingStatement = QStringLiteral(
     "seconds_interval INTEGER, is_archived BOOLEAN, additional_info TEXT, automatically_create_report BOOLEAN, "
     "is_active BOOLEAN, number_of_recordsets INTEGER, FOREIGN KEY (user_id) REFERENCES application_user (id), "
     "FOREIGN KEY (chamber_id) REFERENCES chamber (id))");
-
-QString recordsetStatement()
-{
-    QString signalColumns;
-    for (int number = 1; number <= 48; ++number)
-        signalColumns += QStringLiteral("signal_%1 REAL, ").arg(number);
-    return QStringLiteral(" CREATE TABLE IF NOT EXISTS record_set (id INTEGER PRIMARY KEY NOT NULL, "
-                          "record_time DATETIME, is_retrieved_from_chamber BOOLEAN, recording_id INTEGER NOT NULL, ")
-        + signalColumns + QStringLiteral("FOREIGN KEY (recording_id) REFERENCES recording (id))");
-}
-
-const QString recordsetCommentStatement = QStringLiteral(
-    " CREATE TABLE IF NOT EXISTS record_set_comment (recordset_id INTEGER PRIMARY KEY NOT NULL UNIQUE, "
-    "user_id INTEGER, creation_time DATETIME, comment_text TEXT, "
-    "FOREIGN KEY (recordset_id) REFERENCES record_set (id))");
 
 // The composite key stands directly behind the foreign key's bracket.
 const QString toleranceRangeStatement = QStringLiteral(
@@ -300,9 +276,8 @@ void TestDatabaseConnection::createTable_data()
     QTest::addColumn<QStringList>("statements");
 
     // Reference tables first, in the order of the foreign keys, each once.
-    QTest::newRow("record_set_comment") << &DatabaseConnection::createTableRecordsetComment
-                                        << QStringList{userStatement, chamberStatement, recordingStatement,
-                                                       recordsetStatement(), recordsetCommentStatement};
+    QTest::newRow("recording") << &DatabaseConnection::createTableRecording
+                               << QStringList{userStatement, chamberStatement, recordingStatement};
     QTest::newRow("tolerance_range") << &DatabaseConnection::createTableToleranceRange
                                      << QStringList{chamberStatement, toleranceRangeStatement};
 }
@@ -334,8 +309,6 @@ void TestDatabaseConnection::initialize_data()
 
     QStringList withoutChamber = applicationTables;
     withoutChamber.removeFirst();
-    QTest::newRow("no version table") << "CREATE TABLE unrelated(a INTEGER);" << "" << false << true << QList<int>()
-                                      << QStringList();
     QTest::newRow("18") << versionTable(18) << "" << false << true << QList<int>() << QStringList();
     QTest::newRow("19") << versionTable(19) << "" << true << false << QList<int>() << applicationTables;
     QTest::newRow("20") << versionTable(20) << "" << true << false << QList<int>() << applicationTables;
