@@ -148,7 +148,8 @@ void TestChamberSimulatorEndToEnd::exchanges_data()
     // line end is ignored.
     row("split request", 1, {{"CANIDGetValue:1160", error}, {"0000\r\n", error}});
     row("merged requests", 1, {{"CANIDGetValue:11600000\r\nCANIDGetValue:11600002\r\n", get("11600000", "42").at(1)}});
-    row("NUL behind the line end", 1, {{QByteArrayLiteral("CANIDGetValue:11600000\r\n\0z"), get("11600000", "42").at(1)}});
+    row("NUL behind the line end", 1,
+        {{QByteArrayLiteral("CANIDGetValue:11600000\r\n\0z"), get("11600000", "42").at(1)}});
 
     row("bool set point", 5, {set("11500030", "1"), get("11500030", "true")});
     row("control word takes a write at once", 5, {set("11700000", "5"), get("11700000", "5")});
