@@ -88,6 +88,14 @@ QString summary(const DefaultToleranceRange& r)
         .arg(r.range.upper.unit).arg(QStringLiteral("%1 %2").arg(r.delay1).arg(r.delay2));
 }
 
+QString ids(const Ids& values)
+{
+    QStringList texts;
+    for (int value : values)
+        texts << QString::number(value);
+    return texts.join(QLatin1Char(' '));
+}
+
 // "type/variant" of each entry, by type and variant: the engine's order is no contract.
 QStringList variantsOf(QList<ChamberTypeData> types)
 {
@@ -131,6 +139,9 @@ int Fixture::count = 0;
 
 } // namespace
 
+using Read = std::function<QString(OpenStore&)>;
+Q_DECLARE_METATYPE(Read)
+
 class TestSqlConfigurationDatabaseConnection : public QObject
 {
     Q_OBJECT
@@ -150,12 +161,9 @@ private slots:
 
     void signalRows_data();
     void signalRows();
-    void signalLists_data();
-    void signalLists();
+    void reads_data();
+    void reads();
     void matchingSignals();
-    void defaultToleranceRange_data();
-    void defaultToleranceRange();
-    void signalDelayAndUnit();
 
     void setPointLinks();
     void missingManualWriteRegister();
@@ -359,43 +367,69 @@ void TestSqlConfigurationDatabaseConnection::signalRows()
     }
 }
 
-void TestSqlConfigurationDatabaseConnection::signalLists_data()
+void TestSqlConfigurationDatabaseConnection::reads_data()
 {
-    QTest::addColumn<IdsOperation>("operation");
-    QTest::addColumn<Ids>("expected");
+    QTest::addColumn<Read>("read");
+    QTest::addColumn<QString>("expected");
+    const auto row = [](const char* tag, const Read& read, const QString& expected) {
+        QTest::newRow(tag) << read << expected;
+    };
 
-    QTest::newRow("signals of a type")
-        << IdsOperation([](Store& s) { return s.getChamberSignals(ChamberTypeId(70, 0)).keys(); })
-        << Ids{701, 702, 703, 711, 712, 721, 722};
-    QTest::newRow("signals by id, unknown ones left out")
-        << IdsOperation([](Store& s) { return s.getChamberSignals(QList<SignalId>{131, 4711, 101}).keys(); })
-        << Ids{101, 131};
-    QTest::newRow("set points of TLX type 1, not the combined 121")
-        << IdsOperation([](Store& s) { return s.getSetpointChamberSignals(ChamberTypeId(1, 0)).keys(); })
-        << Ids{111, 112, 134};
-    QTest::newRow("data logger in channel order, not in signal order") << IdsOperation([](Store& s) {
-        Ids ids;
+    row("signals of a type", [](OpenStore& s) { return ids(s.getChamberSignals(ChamberTypeId(70, 0)).keys()); },
+        "701 702 703 711 712 721 722");
+    row("signals by id, unknown ones left out",
+        [](OpenStore& s) { return ids(s.getChamberSignals(QList<SignalId>{131, 4711, 101}).keys()); }, "101 131");
+    row("set points of TLX type 1, not the combined 121",
+        [](OpenStore& s) { return ids(s.getSetpointChamberSignals(ChamberTypeId(1, 0)).keys()); }, "111 112 134");
+    row("data logger in channel order, not in signal order", [](OpenStore& s) {
+        Ids found;
         for (const ChamberSignal& signal : s.getDataloggerChamberSignal(ChamberTypeId(70, 0)))
-            ids.append(signal.id);
-        return ids;
-    }) << Ids{702, 701, 703};
+            found.append(signal.id);
+        return ids(found);
+    }, "702 701 703");
     // By the set point number of the manual write register (1, 2, 3); 314 has none and is left out.
     // Each signal is followed by the process value of its set point's default range.
-    QTest::newRow("time-programmable with their ranges") << IdsOperation([](Store& s) {
-        Ids ids;
+    row("time-programmable with their ranges", [](OpenStore& s) {
+        Ids found;
         for (const auto& pair : s.getTimeProgrammableChamberSignals(ChamberTypeId(247, 0)))
-            ids << pair.first.id << pair.second.processValueSignal;
-        return ids;
-    }) << Ids{311, 301, 312, 302, 310, -1};
+            found << pair.first.id << pair.second.processValueSignal;
+        return ids(found);
+    }, "311 301 312 302 310 -1");
+
+    // Default ranges; type 2 is relative, units 0 Celsius, 6 volume percent, 7 hectopascal.
+    row("range by set point", [](OpenStore& s) { return summary(s.getDefaultToleranceRange(ChamberTypeId(1, 0), 111, true)); },
+        "Temperature 111/101, 2 [2 0, 2 0], 300 15");
+    row("range by process value, its unit",
+        [](OpenStore& s) { return summary(s.getDefaultToleranceRange(ChamberTypeId(12, 0), 160, false)); },
+        QString::fromUtf8("CO₂ 161/160, 2 [0.5 6, 0.5 6], 600 -1"));
+    row("range of a set point id given as process value",
+        [](OpenStore& s) { return summary(s.getDefaultToleranceRange(ChamberTypeId(1, 0), 111, false)); },
+        summary(DefaultToleranceRange()));
+    row("range with NULL bounds and delays",
+        [](OpenStore& s) { return summary(s.getDefaultToleranceRange(ChamberTypeId(247, 0), 314, true)); },
+        "Pressure 314/304, 2 [0 7, 0 7], -1 -1");
+
+    // "delay2" is kept in minutes, "delay1" in seconds; NULL and another type's signal give 0.
+    row("delays", [](OpenStore& s) {
+        return ids({s.getChamberSignalDelay(ChamberTypeId(70, 0), 701, true),
+                    s.getChamberSignalDelay(ChamberTypeId(1, 0), 101, false),
+                    s.getChamberSignalDelay(ChamberTypeId(1, 0), 121, false),
+                    s.getChamberSignalDelay(ChamberTypeId(2, 0), 121, true)});
+    }, "120 300 0 0");
+    // Fahrenheit, and NULL as dimensionless.
+    row("units", [](OpenStore& s) { return ids({s.getSignalUnitId(104), s.getSignalUnitId(142)}); }, "1 15");
+    row("test signals", [](OpenStore& s) {
+        return ids({s.getChamberTypeTestSignalId(ChamberTypeId(50, 1050)), s.getChamberTypeTestSignalId(ChamberTypeId(90, 0))});
+    }, "503 -1");
 }
 
-void TestSqlConfigurationDatabaseConnection::signalLists()
+void TestSqlConfigurationDatabaseConnection::reads()
 {
-    QFETCH(IdsOperation, operation);
-    QFETCH(Ids, expected);
+    QFETCH(Read, read);
+    QFETCH(QString, expected);
 
     QSignalSpy errors(&sample->store, &Store::error);
-    QCOMPARE(operation(sample->store), expected);
+    QCOMPARE(read(sample->store), expected);
     QCOMPARE(errors.count(), 0);
 }
 
@@ -415,49 +449,6 @@ void TestSqlConfigurationDatabaseConnection::matchingSignals()
     QVERIFY(matches.value(401).read);
 }
 
-void TestSqlConfigurationDatabaseConnection::defaultToleranceRange_data()
-{
-    QTest::addColumn<quint64>("typeId");
-    QTest::addColumn<int>("signalId");
-    QTest::addColumn<bool>("isSetPoint");
-    QTest::addColumn<QString>("expected"); // empty: the default range
-
-    // Type 2 is relative; units 0 Celsius, 6 volume percent, 7 hectopascal.
-    QTest::newRow("by set point") << quint64(1) << 111 << true << "Temperature 111/101, 2 [2 0, 2 0], 300 15";
-    QTest::newRow("by process value, its unit")
-        << quint64(12) << 160 << false << QString::fromUtf8("CO₂ 161/160, 2 [0.5 6, 0.5 6], 600 -1");
-    QTest::newRow("set point id given as process value") << quint64(1) << 111 << false << "";
-    QTest::newRow("NULL bounds and delays") << quint64(247) << 314 << true << "Pressure 314/304, 2 [0 7, 0 7], -1 -1";
-}
-
-void TestSqlConfigurationDatabaseConnection::defaultToleranceRange()
-{
-    QFETCH(quint64, typeId);
-    QFETCH(int, signalId);
-    QFETCH(bool, isSetPoint);
-    QFETCH(QString, expected);
-
-    QSignalSpy errors(&sample->store, &Store::error);
-    QCOMPARE(summary(sample->store.getDefaultToleranceRange(ChamberTypeId(typeId, 0), signalId, isSetPoint)),
-             expected.isEmpty() ? summary(DefaultToleranceRange()) : expected);
-    QCOMPARE(errors.count(), 0);
-}
-
-void TestSqlConfigurationDatabaseConnection::signalDelayAndUnit()
-{
-    // "delay2" is kept in minutes, "delay1" in seconds.
-    QCOMPARE(sample->store.getChamberSignalDelay(ChamberTypeId(70, 0), 701, true), 120);
-    QCOMPARE(sample->store.getChamberSignalDelay(ChamberTypeId(1, 0), 101, false), 300);
-    QCOMPARE(sample->store.getChamberSignalDelay(ChamberTypeId(1, 0), 121, false), 0); // NULL
-    QCOMPARE(sample->store.getChamberSignalDelay(ChamberTypeId(2, 0), 121, true), 0);  // not of this type
-
-    QCOMPARE(sample->store.getSignalUnitId(104), Unit::FAHRENHEIT);
-    QCOMPARE(sample->store.getSignalUnitId(142), Unit::DIMENSIONLESS); // NULL
-
-    QCOMPARE(sample->store.getChamberTypeTestSignalId(ChamberTypeId(50, 1050)), 503);
-    QCOMPARE(sample->store.getChamberTypeTestSignalId(ChamberTypeId(90, 0)), -1);
-}
-
 void TestSqlConfigurationDatabaseConnection::setPointLinks()
 {
     // 1 names itself; 2 links 3, which names itself; 4 links a signal that isn't there.
@@ -468,19 +459,15 @@ INSERT INTO signal (id, name, set_point_signal) VALUES (1, 'self', 1), (2, 'chai
     QVERIFY(fixture->opened);
     QSignalSpy errors(&fixture->store, &Store::error);
 
-    const QMap<int, ChamberSignal> signalMap = fixture->store.getChamberSignals(QList<SignalId>{1, 2, 5});
-    QCOMPARE(signalMap.keys(), Ids({1, 2, 5}));
-    QVERIFY(signalMap.value(1).setPointSignal.isNull());
-    QVERIFY(signalMap.value(2).setPointSignal);
-    QCOMPARE(signalMap.value(2).setPointSignal->name, QStringLiteral("end"));
-    QVERIFY(signalMap.value(2).setPointSignal->setPointSignal.isNull());
-    QVERIFY(signalMap.value(5).setPointSignal.isNull());
-    QCOMPARE(errors.count(), 0);
-
-    // The dangling link is reported and left out; the signal itself stays.
-    const QSharedPointer<ChamberSignal> dangling = fixture->store.getChamberSignal(4);
-    QVERIFY(dangling);
-    QVERIFY(dangling->setPointSignal.isNull());
+    // "name>set point>its set point" of each; the dangling link is reported and left out, the signal stays.
+    QStringList links;
+    for (const ChamberSignal& signal : fixture->store.getChamberSignals(QList<SignalId>{1, 2, 5, 4})) {
+        links << signal.name;
+        auto link = signal.setPointSignal;
+        for (int depth = 0; link && depth < 3; ++depth, link = link->setPointSignal)
+            links.last() += QLatin1Char('>') + link->name;
+    }
+    QCOMPARE(links, (QStringList{"self", "chain>end", "dangling", "none"}));
     QCOMPARE(errorCodes(errors), QList<int>{UNEXPECTED_RESULT});
 }
 
@@ -502,8 +489,7 @@ INSERT INTO signal (id, name, write_manual, time_programmable) VALUES
     const QList<std::pair<ChamberSignal, DefaultToleranceRange>> result =
         fixture->store.getTimeProgrammableChamberSignals(ChamberTypeId(1, 0));
     QCOMPARE(result.size(), 2);
-    QCOMPARE(result.at(0).first.name, QStringLiteral("first"));
-    QCOMPARE(result.at(1).first.name, QStringLiteral("second"));
+    QCOMPARE(result.at(0).first.name + QLatin1Char(' ') + result.at(1).first.name, QStringLiteral("first second"));
     QCOMPARE(summary(result.at(0).second), summary(DefaultToleranceRange()));
 }
 
