@@ -31,7 +31,6 @@ using Ids = QList<int>;
 using IdsOperation = std::function<Ids(Store&)>;
 
 Q_DECLARE_METATYPE(IdsOperation)
-Q_DECLARE_METATYPE(ChamberTypeId)
 
 namespace {
 
@@ -97,7 +96,7 @@ QString ids(const Ids& values)
 }
 
 // "type/variant" of each entry, by type and variant: the engine's order is no contract.
-QStringList variantsOf(QList<ChamberTypeData> types)
+QString variantsOf(QList<ChamberTypeData> types)
 {
     std::sort(types.begin(), types.end(), [](const ChamberTypeData& a, const ChamberTypeData& b) {
         return std::make_pair(a.chamberTypeId.typeId, a.chamberTypeId.additionalInfoId)
@@ -106,8 +105,22 @@ QStringList variantsOf(QList<ChamberTypeData> types)
     QStringList texts;
     for (const ChamberTypeData& type : types) {
         texts.append(QStringLiteral("%1/%2").arg(type.chamberTypeId.typeId).arg(type.chamberTypeId.additionalInfoId));
+        if (!type.chamberSignals.isEmpty() || !type.controlSignals.isEmpty())
+            texts.last() += QStringLiteral("+signals");
     }
-    return texts;
+    return texts.join(QLatin1Char(' '));
+}
+
+// A type's fields in one line; protocols by number, sorted.
+QString summary(const ChamberTypeData& type)
+{
+    QStringList protocols;
+    for (ChamberProtocol protocol : type.protocols)
+        protocols.append(QString::number(protocol));
+    protocols.sort();
+    return QStringLiteral("%1/%2 %3, %4, %5, %6, %7")
+        .arg(type.chamberTypeId.typeId).arg(type.chamberTypeId.additionalInfoId)
+        .arg(type.getQualifiedTypeName(), type.controller, type.articleNumber, type.info, protocols.join(' '));
 }
 
 QList<int> errorCodes(const QSignalSpy& spy)
@@ -154,16 +167,9 @@ private slots:
     void initialize_data();
     void initialize();
 
-    void allChamberTypes();
-    void chamberTypeVariants_data();
-    void chamberTypeVariants();
-    void wholeChamberType();
-
-    void signalRows_data();
-    void signalRows();
     void reads_data();
     void reads();
-    void matchingSignals();
+    void wholeChamberType();
 
     void setPointLinks();
     void missingManualWriteRegister();
@@ -192,6 +198,7 @@ void TestSqlConfigurationDatabaseConnection::initTestCase()
     QVERIFY2(!file.isEmpty(), qPrintable(databases->lastError()));
     sample = std::make_unique<Fixture>(file);
     QVERIFY(sample->opened);
+    QVERIFY(sample->store.initialize());
 }
 
 void TestSqlConfigurationDatabaseConnection::cleanupTestCase()
@@ -249,66 +256,6 @@ void TestSqlConfigurationDatabaseConnection::initialize()
     QCOMPARE(errorCodes(errors), expected ? QList<int>() : QList<int>{MISSING_TABLE});
 }
 
-void TestSqlConfigurationDatabaseConnection::allChamberTypes()
-{
-    QSignalSpy errors(&sample->store, &Store::error);
-    QVERIFY(sample->store.initialize());
-
-    // One entry per orderable variant: type 2 twice, types without variants with 0.
-    const QList<ChamberTypeData> types = sample->store.getAllChamberTypeData(false);
-    QCOMPARE(variantsOf(types),
-             QStringList({"1/1001", "2/1002", "2/1003", "3/1004", "9/1009", "11/0", "12/1012", "30/1030", "31/0",
-                          "32/0", "40/1040", "41/0", "50/1050", "60/0", "61/0", "62/0", "63/0", "70/1070", "80/0",
-                          "90/0", "247/1247"}));
-    QVERIFY(types.at(0).chamberSignals.isEmpty() && types.at(0).controlSignals.isEmpty());
-    // Every type with a time-programmable signal, type 9 included although its
-    // options offer week programs only.
-    const QList<ChamberTypeData> programmable = sample->store.getAllProgrammableChamberTypeData();
-    QCOMPARE(variantsOf(programmable),
-             QStringList({"1/1001", "2/1002", "2/1003", "3/1004", "9/1009", "12/1012", "30/1030", "31/0", "32/0",
-                          "40/1040", "41/0", "50/1050", "70/1070", "80/0", "247/1247"}));
-    QVERIFY(programmable.at(0).chamberSignals.isEmpty());
-    QCOMPARE(errors.count(), 0);
-}
-
-void TestSqlConfigurationDatabaseConnection::chamberTypeVariants_data()
-{
-    QTest::addColumn<ChamberTypeId>("id");
-    QTest::addColumn<QString>("summary"); // empty: the default object and error 8
-
-    QTest::newRow("one variant, found by 0")
-        << ChamberTypeId(1, 0) << QString::fromUtf8("1/1001 HX 60 Z6, TLX, HX60-Z6-0001, Standardausführung, 4");
-    QTest::newRow("second of two variants")
-        << ChamberTypeId(2, 1003) << "2/1003 HX 120 Z6, TLX, HX120-Z6-0011, Mit Feuchteregelung und Innenbeleuchtung, 4";
-    QTest::newRow("no variants, two protocols") << ChamberTypeId(31, 0) << "31/0 MKF 240 E2, KV2, , , 2 3";
-    QTest::newRow("two variants, none chosen") << ChamberTypeId(2, 0) << "";
-    // No row: the empty row has the wrong width.
-    QTest::newRow("unknown type") << ChamberTypeId(1935, 0) << "";
-}
-
-void TestSqlConfigurationDatabaseConnection::chamberTypeVariants()
-{
-    QFETCH(ChamberTypeId, id);
-    QFETCH(QString, summary);
-
-    QSignalSpy errors(&sample->store, &Store::error);
-    const ChamberTypeData type = sample->store.getChamberTypeData(id, false);
-    QCOMPARE(errorCodes(errors), summary.isEmpty() ? QList<int>{UNEXPECTED_RESULT} : QList<int>());
-    if (summary.isEmpty()) {
-        QVERIFY(type == ChamberTypeData());
-        return;
-    }
-    QStringList protocols;
-    for (ChamberProtocol protocol : type.protocols) {
-        protocols.append(QString::number(protocol));
-    }
-    protocols.sort();
-    QCOMPARE(QStringLiteral("%1/%2 %3, %4, %5, %6, %7")
-                 .arg(type.chamberTypeId.typeId).arg(type.chamberTypeId.additionalInfoId)
-                 .arg(type.getQualifiedTypeName(), type.controller, type.articleNumber, type.info, protocols.join(' ')),
-             summary);
-}
-
 void TestSqlConfigurationDatabaseConnection::wholeChamberType()
 {
     QSignalSpy errors(&sample->store, &Store::error);
@@ -335,45 +282,55 @@ void TestSqlConfigurationDatabaseConnection::wholeChamberType()
                                      ControllerAddress::placeholder()));
 }
 
-void TestSqlConfigurationDatabaseConnection::signalRows_data()
-{
-    QTest::addColumn<int>("signalId");
-    QTest::addColumn<QString>("expected"); // empty: no signal and error 8
-
-    // Units and signal types by their numbers.
-    QTest::newRow("set point with three registers")
-        << 111 << "111 SP_Temperature, unit 0, #ff0000, 1 places, level 1, [-70, 180], bit -1, type 1, time 1 week 1, "
-                  "set point -, registers 1011 - 1011 1013";
-    QTest::newRow("process value linked to its set point")
-        << 101 << "101 PV_Temperature, unit 0, #ff0000, 1 places, level 1, [-75, 180], bit -1, type 0, time 0 week 0, "
-                  "set point 111, registers 1001 - - -";
-    QTest::newRow("NULLs and an array register")
-        << 144 << "144 PV_Error_History, unit 15, -, 0 places, level 5, [-3.40282e+38, 3.40282e+38], bit -1, type 3, "
-                  "time 0 week 0, set point -, registers 1044 - - -";
-    QTest::newRow("unknown id") << 4711 << "";
-}
-
-void TestSqlConfigurationDatabaseConnection::signalRows()
-{
-    QFETCH(int, signalId);
-    QFETCH(QString, expected);
-
-    QSignalSpy errors(&sample->store, &Store::error);
-    const QSharedPointer<ChamberSignal> signal = sample->store.getChamberSignal(signalId);
-    QCOMPARE(signal ? summary(*signal) : QString(), expected);
-    QCOMPARE(errorCodes(errors), expected.isEmpty() ? QList<int>{UNEXPECTED_RESULT} : QList<int>());
-    if (signal && signal->setPointSignal) {
-        QCOMPARE(summary(*signal->setPointSignal), summary(*sample->store.getChamberSignal(signal->setPointSignal->id)));
-    }
-}
-
 void TestSqlConfigurationDatabaseConnection::reads_data()
 {
     QTest::addColumn<Read>("read");
     QTest::addColumn<QString>("expected");
-    const auto row = [](const char* tag, const Read& read, const QString& expected) {
-        QTest::newRow(tag) << read << expected;
+    QTest::addColumn<int>("unexpected"); // error 8 reports
+    const auto row = [](const char* tag, const Read& read, const QString& expected, int unexpected = 0) {
+        QTest::newRow(tag) << read << expected << unexpected;
     };
+
+    // One entry per orderable variant: type 2 twice, types without variants with 0.
+    row("all types", [](OpenStore& s) { return variantsOf(s.getAllChamberTypeData(false)); },
+        "1/1001 2/1002 2/1003 3/1004 9/1009 11/0 12/1012 30/1030 31/0 32/0 40/1040 41/0 50/1050 60/0 61/0 62/0 63/0 "
+        "70/1070 80/0 90/0 247/1247");
+    // Every type with a time-programmable signal, type 9 included although its options offer week programs only.
+    row("programmable types", [](OpenStore& s) { return variantsOf(s.getAllProgrammableChamberTypeData()); },
+        "1/1001 2/1002 2/1003 3/1004 9/1009 12/1012 30/1030 31/0 32/0 40/1040 41/0 50/1050 70/1070 80/0 247/1247");
+    const auto type = [](quint64 id, quint64 variant) {
+        return Read([=](OpenStore& s) { return summary(s.getChamberTypeData(ChamberTypeId(id, variant), false)); });
+    };
+    row("one variant, found by 0", type(1, 0),
+        QString::fromUtf8("1/1001 HX 60 Z6, TLX, HX60-Z6-0001, Standardausführung, 4"));
+    row("second of two variants", type(2, 1003),
+        "2/1003 HX 120 Z6, TLX, HX120-Z6-0011, Mit Feuchteregelung und Innenbeleuchtung, 4");
+    row("no variants, two protocols", type(31, 0), "31/0 MKF 240 E2, KV2, , , 2 3");
+    row("two variants, none chosen", type(2, 0), summary(ChamberTypeData()), 1);
+    // No row: the empty row has the wrong width.
+    row("unknown type", type(1935, 0), summary(ChamberTypeData()), 1);
+
+    // Units and signal types by their numbers.
+    const auto signal = [](SignalId id) {
+        return Read([=](OpenStore& s) {
+            const auto found = s.getChamberSignal(id);
+            return found ? summary(*found) : QString();
+        });
+    };
+    const QString setPoint = "111 SP_Temperature, unit 0, #ff0000, 1 places, level 1, [-70, 180], bit -1, type 1, "
+                             "time 1 week 1, set point -, registers 1011 - 1011 1013";
+    row("set point with three registers", signal(111), setPoint);
+    row("process value linked to its set point", signal(101),
+        "101 PV_Temperature, unit 0, #ff0000, 1 places, level 1, [-75, 180], bit -1, type 0, time 0 week 0, "
+        "set point 111, registers 1001 - - -");
+    row("the linked set point whole", [](OpenStore& s) {
+        const auto found = s.getChamberSignal(101);
+        return found && found->setPointSignal ? summary(*found->setPointSignal) : QString();
+    }, setPoint);
+    row("NULLs and an array register", signal(144),
+        "144 PV_Error_History, unit 15, -, 0 places, level 5, [-3.40282e+38, 3.40282e+38], bit -1, type 3, "
+        "time 0 week 0, set point -, registers 1044 - - -");
+    row("unknown signal", signal(4711), "", 1);
 
     row("signals of a type", [](OpenStore& s) { return ids(s.getChamberSignals(ChamberTypeId(70, 0)).keys()); },
         "701 702 703 711 712 721 722");
@@ -397,17 +354,13 @@ void TestSqlConfigurationDatabaseConnection::reads_data()
     }, "311 301 312 302 310 -1");
 
     // Default ranges; type 2 is relative, units 0 Celsius, 6 volume percent, 7 hectopascal.
-    row("range by set point", [](OpenStore& s) { return summary(s.getDefaultToleranceRange(ChamberTypeId(1, 0), 111, true)); },
-        "Temperature 111/101, 2 [2 0, 2 0], 300 15");
-    row("range by process value, its unit",
-        [](OpenStore& s) { return summary(s.getDefaultToleranceRange(ChamberTypeId(12, 0), 160, false)); },
-        QString::fromUtf8("CO₂ 161/160, 2 [0.5 6, 0.5 6], 600 -1"));
-    row("range of a set point id given as process value",
-        [](OpenStore& s) { return summary(s.getDefaultToleranceRange(ChamberTypeId(1, 0), 111, false)); },
-        summary(DefaultToleranceRange()));
-    row("range with NULL bounds and delays",
-        [](OpenStore& s) { return summary(s.getDefaultToleranceRange(ChamberTypeId(247, 0), 314, true)); },
-        "Pressure 314/304, 2 [0 7, 0 7], -1 -1");
+    const auto range = [](quint64 id, SignalId signal, bool isSetPoint) {
+        return Read([=](OpenStore& s) { return summary(s.getDefaultToleranceRange(ChamberTypeId(id, 0), signal, isSetPoint)); });
+    };
+    row("range by set point", range(1, 111, true), "Temperature 111/101, 2 [2 0, 2 0], 300 15");
+    row("range by process value, its unit", range(12, 160, false), QString::fromUtf8("CO₂ 161/160, 2 [0.5 6, 0.5 6], 600 -1"));
+    row("range of a set point id given as process value", range(1, 111, false), summary(DefaultToleranceRange()));
+    row("range with NULL bounds and delays", range(247, 314, true), "Pressure 314/304, 2 [0 7, 0 7], -1 -1");
 
     // "delay2" is kept in minutes, "delay1" in seconds; NULL and another type's signal give 0.
     row("delays", [](OpenStore& s) {
@@ -419,34 +372,33 @@ void TestSqlConfigurationDatabaseConnection::reads_data()
     // Fahrenheit, and NULL as dimensionless.
     row("units", [](OpenStore& s) { return ids({s.getSignalUnitId(104), s.getSignalUnitId(142)}); }, "1 15");
     row("test signals", [](OpenStore& s) {
-        return ids({s.getChamberTypeTestSignalId(ChamberTypeId(50, 1050)), s.getChamberTypeTestSignalId(ChamberTypeId(90, 0))});
+        return ids({s.getChamberTypeTestSignalId(ChamberTypeId(50, 1050)),
+                    s.getChamberTypeTestSignalId(ChamberTypeId(90, 0))});
     }, "503 -1");
+
+    // Source type 11: 104, 114 temperature (value type 1), 131, 133 digital (5); destination type 41:
+    // 401, 411 temperature, 421 counter (8), 422, 423 digital. The values are whole signals, registers included.
+    row("matching signals", [](OpenStore& s) {
+        const QMap<SignalId, ChamberSignal> matches = s.getMatchingSignals(ChamberTypeId(11, 0), ChamberTypeId(41, 0));
+        QStringList found;
+        for (auto it = matches.cbegin(); it != matches.cend(); ++it) {
+            found << QString::number(it.key())
+                         + (Ids{104, 114}.contains(it->id) ? "T" : Ids{131, 133}.contains(it->id) ? "D" : "?");
+        }
+        const ChamberSignal& first = matches.value(401);
+        return found.join(' ') + QStringLiteral(", unit %1 read %2").arg(first.unit).arg(bool(first.read));
+    }, "401T 411T 422D 423D, unit 1 read 1");
 }
 
 void TestSqlConfigurationDatabaseConnection::reads()
 {
     QFETCH(Read, read);
     QFETCH(QString, expected);
+    QFETCH(int, unexpected);
 
     QSignalSpy errors(&sample->store, &Store::error);
     QCOMPARE(read(sample->store), expected);
-    QCOMPARE(errors.count(), 0);
-}
-
-void TestSqlConfigurationDatabaseConnection::matchingSignals()
-{
-    // Source type 11: 104, 114 temperature (value type 1), 131, 133 digital (5).
-    // Destination type 41: 401, 411 temperature, 421 counter (8), 422, 423 digital.
-    const QMap<SignalId, ChamberSignal> matches =
-        sample->store.getMatchingSignals(ChamberTypeId(11, 0), ChamberTypeId(41, 0));
-    QCOMPARE(matches.keys(), Ids({401, 411, 422, 423}));
-    for (SignalId id : {401, 411})
-        QVERIFY(Ids({104, 114}).contains(matches.value(id).id));
-    for (SignalId id : {422, 423})
-        QVERIFY(Ids({131, 133}).contains(matches.value(id).id));
-    // The values are whole signals, registers included.
-    QCOMPARE(matches.value(401).unit, Unit::FAHRENHEIT);
-    QVERIFY(matches.value(401).read);
+    QCOMPARE(errorCodes(errors), QVector<int>(unexpected, UNEXPECTED_RESULT).toList());
 }
 
 void TestSqlConfigurationDatabaseConnection::setPointLinks()
