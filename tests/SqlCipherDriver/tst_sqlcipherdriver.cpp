@@ -3,7 +3,6 @@
 #include "support/TestDatabase.h"
 #include "support/TestPaths.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QPoint>
 #include <QProcess>
@@ -238,7 +237,6 @@ void tst_SqlCipherDriver::unreadableFiles_data()
 
     // The engine takes any key; it is only checked when a page is read.
     QTest::newRow("other key") << "encrypted" << otherKey;
-    QTest::newRow("no key") << "encrypted" << QString();
     QTest::newRow("plain sqlite3 file") << "plain" << projectKey;
     QTest::newRow("missing folder") << "missing" << projectKey;
 }
