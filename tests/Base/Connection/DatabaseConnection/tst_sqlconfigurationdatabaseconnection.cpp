@@ -428,8 +428,8 @@ INSERT INTO chamber_type_has_tolerance_range VALUES (5, 1), (5, 2);
         twoRanges);
 
     // Rows of the wrong width on the sample: each is reported and skipped.
-    const auto wrong = [&row](const char* tag, const char* marker, const Read& read, const QString& expected, int count) {
-        row(tag, read, expected, QVector<int>(count, UNEXPECTED_RESULT).toList(), QString(), QString(marker));
+    const auto wrong = [&row](const char* tag, const char* marker, const Read& read, const QString& expected, int n) {
+        row(tag, read, expected, QVector<int>(n, UNEXPECTED_RESULT).toList(), QString(), QString(marker));
     };
     // Type 1 has 13 signals, 7 control signals and 6 options.
     const Read type1 = [](OpenStore& s) {
