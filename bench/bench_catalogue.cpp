@@ -239,7 +239,8 @@ bool generate(const QString& file, int types, int signalsPerType)
             ok = controller.row({id, QStringLiteral("C%1").arg(id)});
         }
         for (int id = 1; ok && id <= 10; ++id) {
-            ok = valueType.row({id, QStringLiteral("V%1").arg(id), id % 3, QStringLiteral("#%1").arg(id * 111111, 6, 10, QLatin1Char('0'))});
+            ok = valueType.row({id, QStringLiteral("V%1").arg(id), id % 3,
+                                QStringLiteral("#%1").arg(id * 111111, 6, 10, QLatin1Char('0'))});
         }
         for (int id = 1; ok && id <= 7; ++id) {
             ok = protocol.row({id, QStringLiteral("P%1").arg(id), QStringLiteral("ETHERNET")});
@@ -253,8 +254,8 @@ bool generate(const QString& file, int types, int signalsPerType)
             ok = chamberType.row({t, QStringLiteral("T%1").arg(t % 37), QStringLiteral("Z%1").arg(t % 9), t * 5,
                                   QStringLiteral("230 V 1/N/PE AC 50 Hz"), QStringLiteral("t%1.png").arg(t),
                                   QStringLiteral("Generated type %1").arg(t), QStringLiteral("1.00"),
-                                  QStringLiteral("1.99"), QStringLiteral("K%1").arg(t), 1, 9,
-                                  QStringLiteral("P"), (t % 5) + 1});
+                                  QStringLiteral("1.99"), QStringLiteral("K%1").arg(t), 1, 9, QStringLiteral("P"),
+                                  (t % 5) + 1});
             // Every tenth type has two orderable variants.
             const int variants = t % 10 == 0 ? 2 : 1;
             for (int v = 0; ok && v < variants; ++v) {
@@ -270,7 +271,8 @@ bool generate(const QString& file, int types, int signalsPerType)
                 const int readRegister = id * 4;
                 const char* const variableType = variableTypes[k % 8];
                 ok = registerRow.row({readRegister, QString::number(0x1000 + k * 2, 16), QStringLiteral("INPUT"),
-                                      QString::fromLatin1(variableType), setPoint ? QStringLiteral("RW") : QStringLiteral("RO"),
+                                      QString::fromLatin1(variableType),
+                                      setPoint ? QStringLiteral("RW") : QStringLiteral("RO"),
                                       QStringLiteral("Register %1").arg(k), (t % 5) + 1, QVariant(), QVariant()});
                 QVariant manual;
                 QVariant automatic;
@@ -280,16 +282,16 @@ bool generate(const QString& file, int types, int signalsPerType)
                     ok = registerRow.row({manual, QString::number(0x2000 + k * 2, 16), QStringLiteral("HOLDING"),
                                           QStringLiteral("FLOAT"), QStringLiteral("RW"),
                                           QStringLiteral("Set point %1").arg(k), (t % 5) + 1, k - half + 1, QVariant()})
-                         && registerRow.row({automatic, QString::number(0x3000 + k * 2, 16),
-                                             QStringLiteral("HOLDING"), QStringLiteral("FLOAT"), QStringLiteral("WO"),
+                         && registerRow.row({automatic, QString::number(0x3000 + k * 2, 16), QStringLiteral("HOLDING"),
+                                             QStringLiteral("FLOAT"), QStringLiteral("WO"),
                                              QStringLiteral("Program set point %1").arg(k), (t % 5) + 1, k - half + 1,
                                              QVariant()});
                 }
                 const QVariant link = setPoint ? QVariant() : QVariant(id + half);
                 ok = ok
                      && signal.row({id, QStringLiteral("%1_%2").arg(setPoint ? "SP" : "PV").arg(k), readRegister,
-                                    QVariant(), manual, automatic, QString::fromUtf8(units[k % 8]), k % 5,
-                                    -50.0 - k, 150.0 + k, QVariant(),
+                                    QVariant(), manual, automatic, QString::fromUtf8(units[k % 8]), k % 5, -50.0 - k,
+                                    150.0 + k, QVariant(),
                                     setPoint ? QStringLiteral("set_point") : QStringLiteral("process_value"),
                                     (k % 10) + 1, link, setPoint && k % 3 == 0 ? 1 : 0, 0})
                      && typeSignal.row({t, id});
@@ -298,8 +300,8 @@ bool generate(const QString& file, int types, int signalsPerType)
                 const int id = t * 10 + j;
                 const int registerId = 100000000 + id;
                 ok = registerRow.row({registerId, QString::number(0x4000 + j, 16), QStringLiteral("HOLDING"),
-                                      QStringLiteral("UINT16"), QStringLiteral("RW"), QStringLiteral("Control %1").arg(j),
-                                      (t % 5) + 1, QVariant(), QVariant()})
+                                      QStringLiteral("UINT16"), QStringLiteral("RW"),
+                                      QStringLiteral("Control %1").arg(j), (t % 5) + 1, QVariant(), QVariant()})
                      && control.row({id, QStringLiteral("Ctrl_%1").arg(j), QVariant(), 2, registerId,
                                      j == 0 ? QVariant() : QVariant(registerId)})
                      && typeControl.row({t, id});
@@ -312,8 +314,8 @@ bool generate(const QString& file, int types, int signalsPerType)
             }
             for (int j = 0; ok && j < 2; ++j) {
                 const int id = t * 10 + j;
-                ok = range.row({id, QStringLiteral("Range %1").arg(j), t * 1000 + half + j, t * 1000 + j, 1.0, 2.0,
-                                300, 5})
+                ok = range.row(
+                         {id, QStringLiteral("Range %1").arg(j), t * 1000 + half + j, t * 1000 + j, 1.0, 2.0, 300, 5})
                      && typeRange.row({t, id});
             }
         }
@@ -488,8 +490,7 @@ int main(int argc, char** argv)
 
     out << "Chamber type catalogue: " << types << " types x " << signalsPerType << " signals, "
         << QFileInfo(file).size() / 1024 << " KiB, generated in " << QString::number(ms(generationNs), 'f', 0)
-        << " ms; best of " << rounds << " rounds"
-        << (exclusive ? ", exclusive locking mode" : "") << '\n';
+        << " ms; best of " << rounds << " rounds" << (exclusive ? ", exclusive locking mode" : "") << '\n';
     out << "  getAllChamberTypeData(true)   " << QString::number(ms(allNs), 'f', 1) << " ms, " << allStatements
         << " statements, " << QString::number(double(allNs) / 1000 / std::max<qint64>(1, allStatements), 'f', 2)
         << " us/statement (" << entries << " entries, " << signalCount << " signals)\n";

@@ -45,7 +45,7 @@ namespace {
 
 // Loopback addresses of this benchmark alone.
 constexpr char modbusTcpAddress[] = "127.0.79.1";
-constexpr char converterAddress[] = "127.0.79.2"; // 100 chambers
+constexpr char converterAddress[] = "127.0.79.2";       // 100 chambers
 constexpr char lonelyConverterAddress[] = "127.0.79.3"; // 1 chamber
 constexpr char referenceAddress[] = "127.0.79.4";
 constexpr char bareQtAddress[] = "127.0.79.5";
@@ -79,13 +79,13 @@ QSharedPointer<SimulationReader> reader()
     return device;
 }
 
-QString program(char const* name)
+QString program(const char* name)
 {
     return QCoreApplication::applicationDirPath() + QLatin1Char('/') + QLatin1String(name);
 }
 
 // Runs the load client while this process's event loop serves; its one line of figures.
-QByteArray load(QString const& kind, QString const& address, int port, int slave, int clients, int requests)
+QByteArray load(const QString& kind, const QString& address, int port, int slave, int clients, int requests)
 {
     QProcess client;
     QEventLoop loop;
@@ -104,17 +104,17 @@ QByteArray load(QString const& kind, QString const& address, int port, int slave
 }
 
 // "requests N seconds S rps R median_us M p99_us P failures F" as numbers by name.
-QMap<QByteArray, double> figures(QByteArray const& line)
+QMap<QByteArray, double> figures(const QByteArray& line)
 {
     QMap<QByteArray, double> byName;
-    QList<QByteArray> const words = line.split(' ');
+    const QList<QByteArray> words = line.split(' ');
     for (int i = 0; i + 1 < words.size(); i += 2)
         byName.insert(words.at(i), words.at(i + 1).toDouble());
     return byName;
 }
 
 // Nanoseconds per emission of one frame on the converter.
-double nanosecondsPerFrame(ModbusOverTcpServer* converter, QByteArray const& frame, int rounds)
+double nanosecondsPerFrame(ModbusOverTcpServer* converter, const QByteArray& frame, int rounds)
 {
     QElapsedTimer clock;
     clock.start();
@@ -132,8 +132,8 @@ int main(int argc, char** argv)
     if (!qEnvironmentVariableIsSet("TZ"))
         qputenv("TZ", ":/etc/localtime");
     QCoreApplication application(argc, argv);
-    int const requests = argc > 1 ? QByteArray(argv[1]).toInt() : 20000;
-    int const rounds = argc > 2 ? QByteArray(argv[2]).toInt() : 200000;
+    const int requests = argc > 1 ? QByteArray(argv[1]).toInt() : 20000;
+    const int rounds = argc > 2 ? QByteArray(argv[2]).toInt() : 200000;
     QTextStream out(stdout);
     out.setCodec("UTF-8");
 
@@ -151,8 +151,8 @@ int main(int argc, char** argv)
     }
     std::vector<std::unique_ptr<ModbusRtuOverTcpChamberSimulation>> tunnelled;
     for (int slave = 1; slave <= chambersOnConverter; ++slave) {
-        tunnelled.push_back(std::make_unique<ModbusRtuOverTcpChamberSimulation>(
-            kv2(), QLatin1String(converterAddress), converterPort, slave));
+        tunnelled.push_back(std::make_unique<ModbusRtuOverTcpChamberSimulation>(kv2(), QLatin1String(converterAddress),
+                                                                                converterPort, slave));
         tunnelled.back()->setSimulationReader(reader());
     }
     ModbusRtuOverTcpChamberSimulation lonely(kv2(), QLatin1String(lonelyConverterAddress), converterPort, targetSlave);
@@ -177,13 +177,13 @@ int main(int argc, char** argv)
 
     struct Server
     {
-        char const* name;
-        char const* kind;
-        char const* address;
+        const char* name;
+        const char* kind;
+        const char* address;
         int port;
         int slave;
     };
-    Server const servers[] = {
+    const Server servers[] = {
         {"(c) reference, libmodbus", "tcp", referenceAddress, referencePort, 255},
         {"(a) Modbus TCP chamber", "tcp", modbusTcpAddress, modbusTcpPort, 255},
         {"(b) tunnelled chamber, 100 on the converter", "rtu", converterAddress, converterPort, targetSlave},
@@ -198,16 +198,16 @@ int main(int argc, char** argv)
         if (requests < clients)
             break;
         double referenceRate = 0.0;
-        for (Server const& server : servers) {
-            QByteArray const line = load(QLatin1String(server.kind), QLatin1String(server.address), server.port,
+        for (const Server& server : servers) {
+            const QByteArray line = load(QLatin1String(server.kind), QLatin1String(server.address), server.port,
                                          server.slave, clients, requests / clients);
-            QMap<QByteArray, double> const measured = figures(line);
+            const QMap<QByteArray, double> measured = figures(line);
             if (!measured.contains("rps") || measured.value("failures") != 0.0) {
                 out << "| " << server.name << " | " << clients << " | failed: " << line << " | | | |\n";
                 out.flush();
                 continue;
             }
-            double const rate = measured.value("rps");
+            const double rate = measured.value("rps");
             if (referenceRate == 0.0)
                 referenceRate = rate;
             out << "| " << server.name << " | " << clients << " | " << qRound(rate) << " | "
@@ -223,24 +223,27 @@ int main(int argc, char** argv)
     // In-process: the converter hands each frame to all its chambers. A
     // frame for slave 101 wakes 100 chambers that don't answer; the same
     // frame on the lonely converter wakes one.
-    ModbusOverTcpServer* const crowded = ModbusOverTcpServerFactory::create(QLatin1String(converterAddress), converterPort);
-    ModbusOverTcpServer* const alone = ModbusOverTcpServerFactory::create(QLatin1String(lonelyConverterAddress), converterPort);
-    QByteArray const foreign = QByteArray::fromHex("650301000002") + ModbusOverTcpServer::calcCrc(QByteArray::fromHex("650301000002"));
+    ModbusOverTcpServer* const crowded =
+        ModbusOverTcpServerFactory::create(QLatin1String(converterAddress), converterPort);
+    ModbusOverTcpServer* const alone =
+        ModbusOverTcpServerFactory::create(QLatin1String(lonelyConverterAddress), converterPort);
+    const QByteArray foreign =
+        QByteArray::fromHex("650301000002") + ModbusOverTcpServer::calcCrc(QByteArray::fromHex("650301000002"));
     QByteArray request = QByteArray::fromHex("000301000002");
     request[0] = char(targetSlave);
     request += ModbusOverTcpServer::calcCrc(request);
-    double const foreign100 = nanosecondsPerFrame(crowded, foreign, rounds);
-    double const foreign1 = nanosecondsPerFrame(alone, foreign, rounds);
-    double const answered100 = nanosecondsPerFrame(crowded, request, rounds);
-    double const answered1 = nanosecondsPerFrame(alone, request, rounds);
+    const double foreign100 = nanosecondsPerFrame(crowded, foreign, rounds);
+    const double foreign1 = nanosecondsPerFrame(alone, foreign, rounds);
+    const double answered100 = nanosecondsPerFrame(crowded, request, rounds);
+    const double answered1 = nanosecondsPerFrame(alone, request, rounds);
     out << "\n| in-process, per frame (no socket) | 100 chambers | 1 chamber | per further chamber |\n"
         << "|---|---|---|---|\n"
         << "| frame for no chamber | " << QString::number(foreign100, 'f', 0) << " ns | "
         << QString::number(foreign1, 'f', 0) << " ns | " << QString::number((foreign100 - foreign1) / 99, 'f', 1)
         << " ns |\n"
         << "| frame for one chamber, reply built | " << QString::number(answered100, 'f', 0) << " ns | "
-        << QString::number(answered1, 'f', 0) << " ns | "
-        << QString::number((answered100 - answered1) / 99, 'f', 1) << " ns |\n";
+        << QString::number(answered1, 'f', 0) << " ns | " << QString::number((answered100 - answered1) / 99, 'f', 1)
+        << " ns |\n";
     consoleOutput().setDevice(standardOutput);
     return 0;
 }

@@ -215,14 +215,16 @@ int main(int argc, char** argv)
 
     const auto us = [](double ns) { return QString::number(ns / 1000, 'f', 2); };
     const auto ratio = [](double a, double b) { return QString::number(a / b, 'f', 2); };
-    out << "SQLCipher driver: one row (4 columns) by primary key from " << tableRows << " rows, "
-        << statements << " statements per round, best of " << rounds << " rounds, microseconds per statement\n";
+    out << "SQLCipher driver: one row (4 columns) by primary key from " << tableRows << " rows, " << statements
+        << " statements per round, best of " << rounds << " rounds, microseconds per statement\n";
     out << "                                         autocommit   in one transaction\n";
     out << "  connection-layer pattern (new QSqlQuery) " << us(layerNs) << "        " << us(layerInTxNs) << '\n';
     out << "  one QSqlQuery, bind + exec + read        " << us(reusedNs) << "        " << us(reusedInTxNs) << '\n';
     out << "  sqlcipher C API, bind/step/reset         " << us(cNs) << "        " << us(cInTxNs) << '\n';
-    out << "  ratio connection-layer pattern / C API   " << ratio(layerNs, cNs) << "         " << ratio(layerInTxNs, cInTxNs) << '\n';
-    out << "  ratio one QSqlQuery / C API              " << ratio(reusedNs, cNs) << "         " << ratio(reusedInTxNs, cInTxNs) << '\n';
+    out << "  ratio connection-layer pattern / C API   " << ratio(layerNs, cNs) << "         "
+        << ratio(layerInTxNs, cInTxNs) << '\n';
+    out << "  ratio one QSqlQuery / C API              " << ratio(reusedNs, cNs) << "         "
+        << ratio(reusedInTxNs, cInTxNs) << '\n';
     out << "  new QSqlQuery + prepare only             " << us(prepareNs) << '\n';
     out << "  (checksum " << checksum << ")\n";
     db = QSqlDatabase();

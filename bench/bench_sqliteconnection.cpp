@@ -11,8 +11,8 @@
 #include "Base/Connection/DatabaseConnection/SqliteConnection.h"
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QSharedPointer>
 #include <QTemporaryDir>
 #include <QTextStream>
@@ -22,8 +22,8 @@
 #include <algorithm>
 #include <cstdio>
 
-using zelmor::base::connection::databaseconnection::SqlQuery;
 using zelmor::base::connection::databaseconnection::SqliteConnection;
+using zelmor::base::connection::databaseconnection::SqlQuery;
 using zelmor::domain::api::ISqlQuery;
 
 namespace {
@@ -63,11 +63,10 @@ SqlQuery lookup(int id)
 bool fill(SqliteConnection& connection, int rows)
 {
     SqlQuery create;
-    create.createTable(QStringLiteral("data"),
-                       {{QStringLiteral("id"), SqlQuery::INTEGER,
-                         SqlQuery::PRIMARY_KEY | SqlQuery::NOT_NULL | SqlQuery::AUTO_INCREMENT},
-                        {QStringLiteral("name"), SqlQuery::TEXT},
-                        {QStringLiteral("value"), SqlQuery::REAL}});
+    create.createTable(QStringLiteral("data"), {{QStringLiteral("id"), SqlQuery::INTEGER,
+                                                 SqlQuery::PRIMARY_KEY | SqlQuery::NOT_NULL | SqlQuery::AUTO_INCREMENT},
+                                                {QStringLiteral("name"), SqlQuery::TEXT},
+                                                {QStringLiteral("value"), SqlQuery::REAL}});
     if (!connection.execute(create).success)
         return false;
     QList<QSharedPointer<ISqlQuery>> inserts;

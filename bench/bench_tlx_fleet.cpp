@@ -35,7 +35,7 @@
 
 namespace {
 
-QByteArray const request = "CANIDGetValue:11400080\r\n";
+const QByteArray request = "CANIDGetValue:11400080\r\n";
 constexpr qint64 nsPerSecond = 1000LL * 1000 * 1000;
 
 qint64 now()
@@ -55,9 +55,9 @@ QString addressAt(quint32 first, int index)
 // (the scheduler's account; /proc/<pid>/stat counts in ticks of 10 ms).
 double cpuSeconds(qint64 pid)
 {
-    QDir const tasks(QStringLiteral("/proc/%1/task").arg(pid));
+    const QDir tasks(QStringLiteral("/proc/%1/task").arg(pid));
     qint64 total = 0;
-    for (QString const& task : tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+    for (const QString& task : tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
         QFile file(tasks.filePath(task) + QStringLiteral("/schedstat"));
         if (file.open(QIODevice::ReadOnly))
             total += file.readAll().split(' ').value(0).toLongLong();
@@ -70,7 +70,7 @@ long residentKiB(qint64 pid)
     QFile file(QStringLiteral("/proc/%1/status").arg(pid));
     if (!file.open(QIODevice::ReadOnly))
         return -1;
-    for (QByteArray const& line : file.readAll().split('\n')) {
+    for (const QByteArray& line : file.readAll().split('\n')) {
         if (line.startsWith("VmRSS:"))
             return line.mid(6).trimmed().split(' ').value(0).toLong();
     }
@@ -81,13 +81,12 @@ double ownCpuSeconds()
 {
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_utime.tv_sec + usage.ru_utime.tv_usec / 1e6 + usage.ru_stime.tv_sec
-           + usage.ru_stime.tv_usec / 1e6;
+    return usage.ru_utime.tv_sec + usage.ru_utime.tv_usec / 1e6 + usage.ru_stime.tv_sec + usage.ru_stime.tv_usec / 1e6;
 }
 
-int connectBlocking(QString const& address)
+int connectBlocking(const QString& address)
 {
-    int const descriptor = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const int descriptor = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_in peer{};
     peer.sin_family = AF_INET;
     peer.sin_port = htons(9000);
@@ -96,7 +95,7 @@ int connectBlocking(QString const& address)
         ::close(descriptor);
         return -1;
     }
-    int const one = 1;
+    const int one = 1;
     setsockopt(descriptor, IPPROTO_TCP, TCP_NODELAY, &one, sizeof one);
     return descriptor;
 }
@@ -111,10 +110,10 @@ struct Connection
 // True when a whole framed answer is in the buffer (and takes it out).
 bool takeFrame(QByteArray& buffer)
 {
-    int const lineEnd = buffer.indexOf("\r\n");
+    const int lineEnd = buffer.indexOf("\r\n");
     if (lineEnd < 0)
         return false;
-    int const size = lineEnd + 2 + buffer.left(lineEnd).toInt();
+    const int size = lineEnd + 2 + buffer.left(lineEnd).toInt();
     if (buffer.size() < size)
         return false;
     buffer.remove(0, size);
@@ -126,7 +125,7 @@ double percentile(std::vector<qint64> sorted, double fraction)
     if (sorted.empty())
         return 0;
     std::sort(sorted.begin(), sorted.end());
-    size_t const index = std::min(sorted.size() - 1, size_t(fraction * double(sorted.size())));
+    const size_t index = std::min(sorted.size() - 1, size_t(fraction * double(sorted.size())));
     return sorted[index] / 1e6;
 }
 
@@ -146,8 +145,8 @@ struct Figures
     qint64 missed = 0;
 };
 
-Figures run(int count, int loadSeconds, int idleSeconds, quint32 first, QString const& simulator,
-            QString const& catalogue)
+Figures run(int count, int loadSeconds, int idleSeconds, quint32 first, const QString& simulator,
+            const QString& catalogue)
 {
     Figures figures;
     figures.chambers = count;
@@ -159,20 +158,20 @@ Figures run(int count, int loadSeconds, int idleSeconds, quint32 first, QString 
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("HOME"), dir.path() + QStringLiteral("/home"));
-    for (QString const& assignment : qEnvironmentVariable("SIMULATOR_ENV").split(QLatin1Char(' '), Qt::SkipEmptyParts))
+    for (const QString& assignment : qEnvironmentVariable("SIMULATOR_ENV").split(QLatin1Char(' '), Qt::SkipEmptyParts))
         environment.insert(assignment.section(QLatin1Char('='), 0, 0), assignment.section(QLatin1Char('='), 1));
     process.setProcessEnvironment(environment);
     process.setWorkingDirectory(dir.path() + QStringLiteral("/work"));
     process.setStandardOutputFile(dir.path() + QStringLiteral("/out.txt"));
     process.setStandardErrorFile(dir.path() + QStringLiteral("/err.txt"));
 
-    qint64 const started = now();
+    const qint64 started = now();
     process.start(simulator, {QStringLiteral("-n%1").arg(count), QStringLiteral("-i") + addressAt(first, 0)});
     if (!process.waitForStarted()) {
         fprintf(stderr, "cannot start %s\n", qPrintable(simulator));
         return figures;
     }
-    qint64 const pid = process.processId();
+    const qint64 pid = process.processId();
 
     // All chambers listening: each accepts a connection, which is kept for the load.
     std::vector<Connection> connections(static_cast<size_t>(count));
@@ -199,11 +198,11 @@ Figures run(int count, int loadSeconds, int idleSeconds, quint32 first, QString 
     }
     figures.rssKiB = residentKiB(pid);
 
-    double const idleStart = cpuSeconds(pid);
+    const double idleStart = cpuSeconds(pid);
     sleep(unsigned(idleSeconds));
     figures.idleCpuPercent = 100.0 * (cpuSeconds(pid) - idleStart) / idleSeconds;
 
-    int const poller = epoll_create1(EPOLL_CLOEXEC);
+    const int poller = epoll_create1(EPOLL_CLOEXEC);
     for (size_t index = 0; index < connections.size(); ++index) {
         fcntl(connections[index].descriptor, F_SETFL, O_NONBLOCK);
         epoll_event event{};
@@ -216,14 +215,14 @@ Figures run(int count, int loadSeconds, int idleSeconds, quint32 first, QString 
     std::vector<qint64> latencies;
     latencies.reserve(size_t(count) * size_t(loadSeconds));
     // Chamber i is asked at second k + i / count: an even stream of requests.
-    qint64 const loadStart = now();
-    qint64 const loadEnd = loadStart + loadSeconds * nsPerSecond;
-    double const cpuAtStart = cpuSeconds(pid);
-    double const ownAtStart = ownCpuSeconds();
+    const qint64 loadStart = now();
+    const qint64 loadEnd = loadStart + loadSeconds * nsPerSecond;
+    const double cpuAtStart = cpuSeconds(pid);
+    const double ownAtStart = ownCpuSeconds();
     qint64 slot = 0;
     std::vector<epoll_event> events(256);
     for (;;) {
-        qint64 const current = now();
+        const qint64 current = now();
         qint64 nextSlotAt = loadStart + slot * nsPerSecond / count;
         while (nextSlotAt <= current && nextSlotAt < loadEnd) {
             Connection& connection = connections[size_t(slot % count)];
@@ -239,9 +238,9 @@ Figures run(int count, int loadSeconds, int idleSeconds, quint32 first, QString 
         if (current >= loadEnd + nsPerSecond)
             break;
         // After the last request: the stragglers' answers, for a second at most.
-        qint64 const wakeAt = nextSlotAt < loadEnd ? nextSlotAt : loadEnd + nsPerSecond;
-        qint64 const waitNs = std::max<qint64>(0, wakeAt - now());
-        int const ready = epoll_wait(poller, events.data(), int(events.size()), int((waitNs + 999999) / 1000000));
+        const qint64 wakeAt = nextSlotAt < loadEnd ? nextSlotAt : loadEnd + nsPerSecond;
+        const qint64 waitNs = std::max<qint64>(0, wakeAt - now());
+        const int ready = epoll_wait(poller, events.data(), int(events.size()), int((waitNs + 999999) / 1000000));
         for (int index = 0; index < ready; ++index) {
             Connection& connection = connections[events[size_t(index)].data.u64];
             char chunk[4096];
@@ -254,9 +253,9 @@ Figures run(int count, int loadSeconds, int idleSeconds, quint32 first, QString 
             }
         }
     }
-    double const loadCpu = cpuSeconds(pid) - cpuAtStart;
-    double const ownCpu = ownCpuSeconds() - ownAtStart;
-    double const loadWall = double(now() - loadStart) / nsPerSecond;
+    const double loadCpu = cpuSeconds(pid) - cpuAtStart;
+    const double ownCpu = ownCpuSeconds() - ownAtStart;
+    const double loadWall = double(now() - loadStart) / nsPerSecond;
 
     figures.answered = qint64(latencies.size());
     figures.loadCpuPercent = 100.0 * loadCpu / loadWall;
@@ -266,7 +265,7 @@ Figures run(int count, int loadSeconds, int idleSeconds, quint32 first, QString 
     figures.p99Ms = percentile(latencies, 0.99);
     figures.maxMs = percentile(latencies, 1.0);
 
-    for (Connection const& connection : connections)
+    for (const Connection& connection : connections)
         ::close(connection.descriptor);
     ::close(poller);
     process.kill();
@@ -279,13 +278,13 @@ Figures run(int count, int loadSeconds, int idleSeconds, quint32 first, QString 
 int main(int argc, char* argv[])
 {
     QCoreApplication application(argc, argv);
-    QStringList const arguments = application.arguments();
-    QStringList const counts = arguments.value(1, QStringLiteral("10,250")).split(QLatin1Char(','));
-    int const loadSeconds = arguments.value(2, QStringLiteral("20")).toInt();
-    int const idleSeconds = arguments.value(3, QStringLiteral("10")).toInt();
+    const QStringList arguments = application.arguments();
+    const QStringList counts = arguments.value(1, QStringLiteral("10,250")).split(QLatin1Char(','));
+    const int loadSeconds = arguments.value(2, QStringLiteral("20")).toInt();
+    const int idleSeconds = arguments.value(3, QStringLiteral("10")).toInt();
     in_addr firstAddress{};
     inet_pton(AF_INET, arguments.value(4, QStringLiteral("10.100.0.1")).toLatin1().constData(), &firstAddress);
-    quint32 const first = ntohl(firstAddress.s_addr);
+    const quint32 first = ntohl(firstAddress.s_addr);
 
     // The client holds one descriptor per chamber.
     rlimit limit{};
@@ -293,9 +292,9 @@ int main(int argc, char* argv[])
     limit.rlim_cur = limit.rlim_max;
     setrlimit(RLIMIT_NOFILE, &limit);
 
-    QString const build = QDir(QCoreApplication::applicationDirPath() + QStringLiteral("/..")).absolutePath();
-    QString const simulator = build + QStringLiteral("/bin/chamber-simulator");
-    QString const catalogue = build + QStringLiteral("/database/configuration.sqlite3");
+    const QString build = QDir(QCoreApplication::applicationDirPath() + QStringLiteral("/..")).absolutePath();
+    const QString simulator = build + QStringLiteral("/bin/chamber-simulator");
+    const QString catalogue = build + QStringLiteral("/database/configuration.sqlite3");
 
     QTextStream out(stdout);
     out.setCodec("UTF-8");
@@ -304,16 +303,16 @@ int main(int argc, char* argv[])
         << "|---|---|---|---|---|---|---|---|---|---|---|---|---|\n";
     out.flush();
     Figures smallest;
-    for (QString const& countText : counts) {
-        Figures const figures = run(countText.toInt(), loadSeconds, idleSeconds, first, simulator, catalogue);
+    for (const QString& countText : counts) {
+        const Figures figures = run(countText.toInt(), loadSeconds, idleSeconds, first, simulator, catalogue);
         if (smallest.chambers == 0)
             smallest = figures;
-        QString const added = figures.chambers == smallest.chambers
-                                  ? QStringLiteral("-")
-                                  : QString::number(double(figures.rssKiB - smallest.rssKiB)
-                                                        / (figures.chambers - smallest.chambers),
-                                                    'f', 1)
-                                        + QStringLiteral(" KiB");
+        const QString added =
+            figures.chambers == smallest.chambers
+                ? QStringLiteral("-")
+                : QString::number(double(figures.rssKiB - smallest.rssKiB) / (figures.chambers - smallest.chambers),
+                                  'f', 1)
+                      + QStringLiteral(" KiB");
         out << "| " << figures.chambers << " | " << QString::number(figures.startSeconds, 'f', 2) << " s | "
             << QString::number(figures.rssKiB / 1024.0, 'f', 1) << " MiB | " << added << " | "
             << QString::number(figures.idleCpuPercent, 'f', 2) << " % | "
@@ -329,7 +328,7 @@ int main(int argc, char* argv[])
     // What a value pays for the wall clock on each read, with TZ as this process has it.
     QElapsedTimer clock;
     clock.start();
-    int const calls = 200000;
+    const int calls = 200000;
     qint64 sink = 0;
     for (int index = 0; index < calls; ++index)
         sink += QDateTime::currentDateTime().time().msec();

@@ -29,15 +29,15 @@ private:
     qint64 elapsedSeconds = 0;
 };
 
-qint64 writeScript(QString const& path, int tagCount)
+qint64 writeScript(const QString& path, int tagCount)
 {
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return -1;
     QByteArray document = "<script>\n";
     for (int i = 0; i < tagCount; ++i) {
-        document += "<time seconds=\"" + QByteArray::number(i) + "\"><value address=\"0x1\">"
-            + QByteArray::number(i) + "</value></time>\n";
+        document += "<time seconds=\"" + QByteArray::number(i) + "\"><value address=\"0x1\">" + QByteArray::number(i)
+                    + "</value></time>\n";
     }
     document += "</script>\n";
     return file.write(document);
@@ -64,25 +64,25 @@ int main(int argc, char* argv[])
     QTextStream out(stdout);
     out << "tags\tbytes\tparse ms\tread at end us\tread of unnamed address us\tread at half us\n";
     for (int tagCount : {1000, 10000, 100000}) {
-        QString const path = dir.filePath(QStringLiteral("script%1.xml").arg(tagCount));
-        qint64 const bytes = writeScript(path, tagCount);
+        const QString path = dir.filePath(QStringLiteral("script%1.xml").arg(tagCount));
+        const qint64 bytes = writeScript(path, tagCount);
         if (bytes < 0)
             return 1;
 
         QElapsedTimer timer;
         timer.start();
         SteppedClockReader reader(path);
-        qint64 const parseMs = timer.elapsed();
+        const qint64 parseMs = timer.elapsed();
 
-        int const reads = tagCount >= 100000 ? 20 : 200;
+        const int reads = tagCount >= 100000 ? 20 : 200;
         reader.setElapsedSeconds(tagCount);
-        double const atEnd = microsecondsPerRead(reader, 1, reads);
-        double const unnamed = microsecondsPerRead(reader, 2, reads);
+        const double atEnd = microsecondsPerRead(reader, 1, reads);
+        const double unnamed = microsecondsPerRead(reader, 2, reads);
         reader.setElapsedSeconds(tagCount / 2);
-        double const atHalf = microsecondsPerRead(reader, 1, reads);
+        const double atHalf = microsecondsPerRead(reader, 1, reads);
 
-        out << tagCount << '\t' << bytes << '\t' << parseMs << '\t' << atEnd << '\t' << unnamed
-            << '\t' << atHalf << '\n';
+        out << tagCount << '\t' << bytes << '\t' << parseMs << '\t' << atEnd << '\t' << unnamed << '\t' << atHalf
+            << '\n';
         out.flush();
     }
     return 0;

@@ -28,8 +28,7 @@ constexpr int defaultBusyTimeoutMs = 5000;
 
 QSqlError engineError(sqlite3* db, const QString& text, int code, QSqlError::ErrorType type)
 {
-    const QString message = db ? QString::fromUtf8(sqlite3_errmsg(db))
-                               : QString::fromUtf8(sqlite3_errstr(code));
+    const QString message = db ? QString::fromUtf8(sqlite3_errmsg(db)) : QString::fromUtf8(sqlite3_errstr(code));
     return QSqlError(text, message, type, QString::number(code));
 }
 
@@ -41,8 +40,7 @@ QString quoteLiteral(QString text)
 
 QString unquoteIdentifier(const QString& identifier)
 {
-    if (identifier.size() >= 2 && identifier.startsWith(QLatin1Char('"'))
-        && identifier.endsWith(QLatin1Char('"'))) {
+    if (identifier.size() >= 2 && identifier.startsWith(QLatin1Char('"')) && identifier.endsWith(QLatin1Char('"'))) {
         QString inner = identifier.mid(1, identifier.size() - 2);
         inner.replace(QLatin1String("\"\""), QLatin1String("\""));
         return inner;
@@ -77,8 +75,7 @@ SqlCipherDriver::~SqlCipherDriver()
 bool SqlCipherDriver::registerDriver()
 {
     static const bool registered = [] {
-        QSqlDatabase::registerSqlDriver(QLatin1String(driverName_),
-                                        new QSqlDriverCreator<SqlCipherDriver>);
+        QSqlDatabase::registerSqlDriver(QLatin1String(driverName_), new QSqlDriverCreator<SqlCipherDriver>);
         return true;
     }();
     return registered;
@@ -108,9 +105,8 @@ bool SqlCipherDriver::hasFeature(DriverFeature feature) const
     return false;
 }
 
-bool SqlCipherDriver::open(const QString& databaseName, const QString& /*user*/,
-                           const QString& password, const QString& /*host*/, int /*port*/,
-                           const QString& connectOptions)
+bool SqlCipherDriver::open(const QString& databaseName, const QString& /*user*/, const QString& password,
+                           const QString& /*host*/, int /*port*/, const QString& connectOptions)
 {
     if (isOpen())
         close();
@@ -151,8 +147,7 @@ bool SqlCipherDriver::open(const QString& databaseName, const QString& /*user*/,
             rc = sqlite3_exec(db, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr);
     }
     if (rc != SQLITE_OK) {
-        setLastError(engineError(db, QStringLiteral("Error opening database"), rc,
-                                 QSqlError::ConnectionError));
+        setLastError(engineError(db, QStringLiteral("Error opening database"), rc, QSqlError::ConnectionError));
         // The engine hands out a handle even when opening fails.
         sqlite3_close(db);
         setOpen(false);
@@ -178,8 +173,7 @@ void SqlCipherDriver::close()
     // close_v2 defers the close if statements made through nativeHandle() are left.
     const int rc = sqlite3_close_v2(db_);
     if (rc != SQLITE_OK)
-        setLastError(engineError(db_, QStringLiteral("Error closing database"), rc,
-                                 QSqlError::ConnectionError));
+        setLastError(engineError(db_, QStringLiteral("Error closing database"), rc, QSqlError::ConnectionError));
     db_ = nullptr;
     setOpen(false);
     setOpenError(false);
@@ -190,8 +184,7 @@ QSqlResult* SqlCipherDriver::createResult() const
     return new SqlCipherResult(this);
 }
 
-bool SqlCipherDriver::executeSimple(const char* sql, const QString& failureText,
-                                    QSqlError::ErrorType type)
+bool SqlCipherDriver::executeSimple(const char* sql, const QString& failureText, QSqlError::ErrorType type)
 {
     if (!db_) {
         setLastError(QSqlError(failureText, QStringLiteral("database not open"), type));
@@ -207,20 +200,17 @@ bool SqlCipherDriver::executeSimple(const char* sql, const QString& failureText,
 
 bool SqlCipherDriver::beginTransaction()
 {
-    return executeSimple("BEGIN", QStringLiteral("Unable to begin transaction"),
-                         QSqlError::TransactionError);
+    return executeSimple("BEGIN", QStringLiteral("Unable to begin transaction"), QSqlError::TransactionError);
 }
 
 bool SqlCipherDriver::commitTransaction()
 {
-    return executeSimple("COMMIT", QStringLiteral("Unable to commit transaction"),
-                         QSqlError::TransactionError);
+    return executeSimple("COMMIT", QStringLiteral("Unable to commit transaction"), QSqlError::TransactionError);
 }
 
 bool SqlCipherDriver::rollbackTransaction()
 {
-    return executeSimple("ROLLBACK", QStringLiteral("Unable to roll back transaction"),
-                         QSqlError::TransactionError);
+    return executeSimple("ROLLBACK", QStringLiteral("Unable to roll back transaction"), QSqlError::TransactionError);
 }
 
 QStringList SqlCipherDriver::tables(QSql::TableType type) const
@@ -255,8 +245,7 @@ QStringList SqlCipherDriver::tables(QSql::TableType type) const
     }
     if (rc != SQLITE_DONE) {
         // A wrong key or a file that is no database: no tables.
-        self->setLastError(engineError(db_, QStringLiteral("Unable to list tables"), rc,
-                                       QSqlError::StatementError));
+        self->setLastError(engineError(db_, QStringLiteral("Unable to list tables"), rc, QSqlError::StatementError));
         names.clear();
     }
     sqlite3_finalize(statement);
@@ -287,8 +276,8 @@ QVector<ColumnInfo> readColumns(sqlite3* db, const QString& tableName, bool* ok)
     table = unquoteIdentifier(table);
     QString text = QStringLiteral("PRAGMA ");
     if (!schema.isEmpty())
-        text += QLatin1Char('"') + QString(schema).replace(QLatin1Char('"'), QLatin1String("\"\""))
-                + QLatin1String("\".");
+        text +=
+            QLatin1Char('"') + QString(schema).replace(QLatin1Char('"'), QLatin1String("\"\"")) + QLatin1String("\".");
     text += QLatin1String("table_info(") + quoteLiteral(table) + QLatin1Char(')');
     const QByteArray sql = text.toUtf8();
 
@@ -297,13 +286,12 @@ QVector<ColumnInfo> readColumns(sqlite3* db, const QString& tableName, bool* ok)
     if (rc == SQLITE_OK) {
         while ((rc = sqlite3_step(statement)) == SQLITE_ROW) {
             ColumnInfo column;
-            column.name = QString::fromUtf8(
-                reinterpret_cast<const char*>(sqlite3_column_text(statement, 1)));
+            column.name = QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(statement, 1)));
             column.declaredType = reinterpret_cast<const char*>(sqlite3_column_text(statement, 2));
             column.notNull = sqlite3_column_int(statement, 3) != 0;
             if (sqlite3_column_type(statement, 4) != SQLITE_NULL)
-                column.defaultValue = QString::fromUtf8(
-                    reinterpret_cast<const char*>(sqlite3_column_text(statement, 4)));
+                column.defaultValue =
+                    QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(statement, 4)));
             column.primaryKeyPosition = sqlite3_column_int(statement, 5);
             columns.append(column);
         }
@@ -329,11 +317,10 @@ QSqlRecord SqlCipherDriver::record(const QString& tableName) const
                             sqlite3_errcode(db_), QSqlError::StatementError));
         return result;
     }
-    const int keyColumns = int(std::count_if(columns.cbegin(), columns.cend(),
-                                             [](const ColumnInfo& c) { return c.primaryKeyPosition > 0; }));
+    const int keyColumns = int(
+        std::count_if(columns.cbegin(), columns.cend(), [](const ColumnInfo& c) { return c.primaryKeyPosition > 0; }));
     for (const ColumnInfo& column : columns) {
-        QSqlField field(column.name, SqlCipherResult::fieldType(column.declaredType.constData()),
-                        tableName);
+        QSqlField field(column.name, SqlCipherResult::fieldType(column.declaredType.constData()), tableName);
         field.setRequiredStatus(column.notNull ? QSqlField::Required : QSqlField::Optional);
         if (column.defaultValue.isValid())
             field.setDefaultValue(column.defaultValue);
@@ -351,15 +338,13 @@ QSqlIndex SqlCipherDriver::primaryIndex(const QString& tableName) const
     QSqlIndex index(tableName);
     bool ok = false;
     QVector<ColumnInfo> columns = readColumns(db_, tableName, &ok);
-    columns.erase(std::remove_if(columns.begin(), columns.end(),
-                                 [](const ColumnInfo& c) { return c.primaryKeyPosition == 0; }),
-                  columns.end());
-    std::sort(columns.begin(), columns.end(), [](const ColumnInfo& a, const ColumnInfo& b) {
-        return a.primaryKeyPosition < b.primaryKeyPosition;
-    });
+    columns.erase(
+        std::remove_if(columns.begin(), columns.end(), [](const ColumnInfo& c) { return c.primaryKeyPosition == 0; }),
+        columns.end());
+    std::sort(columns.begin(), columns.end(),
+              [](const ColumnInfo& a, const ColumnInfo& b) { return a.primaryKeyPosition < b.primaryKeyPosition; });
     for (const ColumnInfo& column : qAsConst(columns))
-        index.append(QSqlField(column.name, SqlCipherResult::fieldType(column.declaredType.constData()),
-                               tableName));
+        index.append(QSqlField(column.name, SqlCipherResult::fieldType(column.declaredType.constData()), tableName));
     return index;
 }
 
@@ -387,8 +372,7 @@ QString SqlCipherDriver::formatValue(const QSqlField& field, bool trimStrings) c
     case QMetaType::Bool:
         return value.toBool() ? QStringLiteral("1") : QStringLiteral("0");
     case QMetaType::QByteArray:
-        return QLatin1String("X'") + QString::fromLatin1(value.toByteArray().toHex())
-               + QLatin1Char('\'');
+        return QLatin1String("X'") + QString::fromLatin1(value.toByteArray().toHex()) + QLatin1Char('\'');
     case QMetaType::QDateTime:
         return quoteLiteral(value.toDateTime().toUTC().toString(Qt::ISODateWithMs));
     case QMetaType::QDate:

@@ -56,8 +56,8 @@ public:
     static const char* const driverName_;
 
     bool hasFeature(DriverFeature feature) const override;
-    bool open(const QString& databaseName, const QString& user, const QString& password,
-              const QString& host, int port, const QString& connectOptions) override;
+    bool open(const QString& databaseName, const QString& user, const QString& password, const QString& host, int port,
+              const QString& connectOptions) override;
     void close() override;
     QSqlResult* createResult() const override;
 

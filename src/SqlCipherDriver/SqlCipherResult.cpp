@@ -61,8 +61,7 @@ int prepareNext(sqlite3* db, const QChar*& pos, const QChar* end, sqlite3_stmt**
 
 int bindText(sqlite3_stmt* statement, int index, const QString& text)
 {
-    return sqlite3_bind_text16(statement, index, text.utf16(), text.size() * int(sizeof(QChar)),
-                               SQLITE_TRANSIENT);
+    return sqlite3_bind_text16(statement, index, text.utf16(), text.size() * int(sizeof(QChar)), SQLITE_TRANSIENT);
 }
 
 } // namespace
@@ -135,8 +134,7 @@ sqlite3* SqlCipherResult::connection() const
 void SqlCipherResult::setStatementError(const QString& text, int code, QSqlError::ErrorType type)
 {
     sqlite3* db = connection();
-    const QString message = db ? QString::fromUtf8(sqlite3_errmsg(db))
-                               : QString::fromUtf8(sqlite3_errstr(code));
+    const QString message = db ? QString::fromUtf8(sqlite3_errmsg(db)) : QString::fromUtf8(sqlite3_errstr(code));
     setLastError(QSqlError(text, message, type, QString::number(code)));
 }
 
@@ -145,8 +143,7 @@ bool SqlCipherResult::acquireStatement(const QString& sql, bool runLeadingStatem
     releaseStatement();
     sqlite3* db = connection();
     if (!db) {
-        setLastError(QSqlError(QStringLiteral("Driver not open"), QString(),
-                               QSqlError::ConnectionError));
+        setLastError(QSqlError(QStringLiteral("Driver not open"), QString(), QSqlError::ConnectionError));
         return false;
     }
 
@@ -173,15 +170,14 @@ bool SqlCipherResult::acquireStatement(const QString& sql, bool runLeadingStatem
     while (rc == SQLITE_OK && statement && !isBlank(pos, end)) {
         if (!runLeadingStatements) {
             sqlite3_finalize(statement);
-            setLastError(QSqlError(QStringLiteral("Unable to execute multiple statements at a time"),
-                                   QString(), QSqlError::StatementError));
+            setLastError(QSqlError(QStringLiteral("Unable to execute multiple statements at a time"), QString(),
+                                   QSqlError::StatementError));
             return false;
         }
         while ((rc = sqlite3_step(statement)) == SQLITE_ROW) {
         }
         if (rc != SQLITE_DONE) {
-            setStatementError(QStringLiteral("Unable to execute statement"), rc,
-                              QSqlError::StatementError);
+            setStatementError(QStringLiteral("Unable to execute statement"), rc, QSqlError::StatementError);
             sqlite3_finalize(statement);
             return false;
         }
@@ -190,15 +186,13 @@ bool SqlCipherResult::acquireStatement(const QString& sql, bool runLeadingStatem
         rc = prepareNext(db, pos, end, &statement);
     }
     if (rc != SQLITE_OK) {
-        setStatementError(QStringLiteral("Unable to prepare statement"), rc,
-                          QSqlError::StatementError);
+        setStatementError(QStringLiteral("Unable to prepare statement"), rc, QSqlError::StatementError);
         sqlite3_finalize(statement);
         return false;
     }
     if (!statement) {
         setLastError(QSqlError(QStringLiteral("Unable to prepare statement"),
-                               QStringLiteral("no statement in the text"),
-                               QSqlError::StatementError));
+                               QStringLiteral("no statement in the text"), QSqlError::StatementError));
         return false;
     }
     statement_ = statement;
@@ -266,8 +260,7 @@ bool SqlCipherResult::exec()
 bool SqlCipherResult::execute(bool bind)
 {
     if (!statement_) {
-        setLastError(QSqlError(QStringLiteral("Unable to execute statement"),
-                               QStringLiteral("no prepared statement"),
+        setLastError(QSqlError(QStringLiteral("Unable to execute statement"), QStringLiteral("no prepared statement"),
                                QSqlError::StatementError));
         return false;
     }
@@ -290,8 +283,7 @@ bool SqlCipherResult::execute(bool bind)
     const int changesBefore = sqlite3_total_changes(db);
     const int rc = sqlite3_step(statement_);
     if (rc != SQLITE_ROW && rc != SQLITE_DONE) {
-        setStatementError(QStringLiteral("Unable to execute statement"), rc,
-                          QSqlError::StatementError);
+        setStatementError(QStringLiteral("Unable to execute statement"), rc, QSqlError::StatementError);
         sqlite3_reset(statement_);
         return false;
     }
@@ -328,11 +320,10 @@ bool SqlCipherResult::bindParameters()
     const QVector<QVariant>& values = boundValues();
     const int expected = sqlite3_bind_parameter_count(statement_);
     if (values.size() != expected) {
-        setLastError(QSqlError(QStringLiteral("Parameter count mismatch"),
-                               QStringLiteral("%1 value(s) bound, the statement has %2 parameter(s)")
-                                   .arg(values.size())
-                                   .arg(expected),
-                               QSqlError::StatementError));
+        setLastError(QSqlError(
+            QStringLiteral("Parameter count mismatch"),
+            QStringLiteral("%1 value(s) bound, the statement has %2 parameter(s)").arg(values.size()).arg(expected),
+            QSqlError::StatementError));
         return false;
     }
     heldParameters_ = values;
@@ -379,16 +370,15 @@ bool SqlCipherResult::bindParameters()
                 break;
             case QMetaType::QString: {
                 const QString* text = static_cast<const QString*>(value.constData());
-                rc = sqlite3_bind_text16(statement_, index, text->constData(),
-                                         text->size() * int(sizeof(QChar)), SQLITE_STATIC);
+                rc = sqlite3_bind_text16(statement_, index, text->constData(), text->size() * int(sizeof(QChar)),
+                                         SQLITE_STATIC);
                 break;
             }
             case QMetaType::QByteArray: {
                 const QByteArray* bytes = static_cast<const QByteArray*>(value.constData());
                 rc = bytes->isEmpty()
                          ? sqlite3_bind_zeroblob(statement_, index, 0)
-                         : sqlite3_bind_blob(statement_, index, bytes->constData(), bytes->size(),
-                                             SQLITE_STATIC);
+                         : sqlite3_bind_blob(statement_, index, bytes->constData(), bytes->size(), SQLITE_STATIC);
                 break;
             }
             case QMetaType::QDateTime:
@@ -402,10 +392,10 @@ bool SqlCipherResult::bindParameters()
                 break;
             default:
                 if (!value.canConvert<QString>()) {
-                    setLastError(QSqlError(QStringLiteral("Unable to bind parameter %1").arg(index),
-                                           QStringLiteral("unsupported type %1")
-                                               .arg(QString::fromLatin1(value.typeName())),
-                                           QSqlError::StatementError));
+                    setLastError(
+                        QSqlError(QStringLiteral("Unable to bind parameter %1").arg(index),
+                                  QStringLiteral("unsupported type %1").arg(QString::fromLatin1(value.typeName())),
+                                  QSqlError::StatementError));
                     heldParameters_.clear();
                     return false;
                 }
@@ -414,8 +404,7 @@ bool SqlCipherResult::bindParameters()
             }
         }
         if (rc != SQLITE_OK) {
-            setStatementError(QStringLiteral("Unable to bind parameter %1").arg(index), rc,
-                              QSqlError::StatementError);
+            setStatementError(QStringLiteral("Unable to bind parameter %1").arg(index), rc, QSqlError::StatementError);
             sqlite3_clear_bindings(statement_);
             heldParameters_.clear();
             return false;
@@ -674,8 +663,7 @@ bool SqlCipherResult::recordMatchesColumns() const
     const char* pos = signature.constData();
     const char* const end = pos + signature.size();
     for (int column = 0; column < columnCount_; ++column) {
-        for (const char* part : {sqlite3_column_name(statement_, column),
-                                 sqlite3_column_decltype(statement_, column),
+        for (const char* part : {sqlite3_column_name(statement_, column), sqlite3_column_decltype(statement_, column),
                                  sqlite3_column_table_name(statement_, column)}) {
             // The signature's parts end in '\0', and so does the whole array.
             for (part = orEmpty(part); *part && *part == *pos; ++part, ++pos) {

@@ -85,12 +85,12 @@ private:
     SqlCipherStatementCache::Entry* entry_ = nullptr;
     StatementKind kind_ = StatementKind::Other;
 
-    bool stepping_ = false;      // the statement sits on a row, more may follow
-    bool rowPending_ = false;    // forward-only: exec() stepped a row not yet fetched
+    bool stepping_ = false;   // the statement sits on a row, more may follow
+    bool rowPending_ = false; // forward-only: exec() stepped a row not yet fetched
     bool readFromBuffer_ = false;
     int columnCount_ = 0;
-    int bufferFirstRow_ = 0;     // row number of the first buffered row
-    QVector<QVariant> buffer_;   // buffered rows, columnCount_ values each
+    int bufferFirstRow_ = 0;   // row number of the first buffered row
+    QVector<QVariant> buffer_; // buffered rows, columnCount_ values each
     // Forward-only: the current row's values already converted, so that
     // reading a column twice (QSqlQuery::record() reads every column) does
     // not convert it twice. A bit per column, for the first 64 columns.

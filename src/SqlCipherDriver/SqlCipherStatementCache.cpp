@@ -24,8 +24,7 @@ SqlCipherStatementCache::Entry* SqlCipherStatementCache::acquire(const QString& 
     return &*it;
 }
 
-SqlCipherStatementCache::Entry* SqlCipherStatementCache::adopt(const QString& sql, sqlite3_stmt* statement,
-                                                               quint8 kind)
+SqlCipherStatementCache::Entry* SqlCipherStatementCache::adopt(const QString& sql, sqlite3_stmt* statement, quint8 kind)
 {
     if (entries_.contains(sql))
         return nullptr;

@@ -22,9 +22,9 @@ public:
     struct Entry
     {
         sqlite3_stmt* statement = nullptr;
-        quint8 kind = 0;             // what the result classified the text as
-        QSqlRecord record;           // the record a result built for it ...
-        QByteArray recordSignature;  // ... and the column names and types it came from
+        quint8 kind = 0;            // what the result classified the text as
+        QSqlRecord record;          // the record a result built for it ...
+        QByteArray recordSignature; // ... and the column names and types it came from
         bool inUse = false;
         quint64 lastReturned = 0;
     };

@@ -30,8 +30,7 @@ int main(int argc, char** argv)
             return 1;
         }
         QSqlQuery query(db);
-        if (!query.exec(QStringLiteral("PRAGMA key = '%1';").arg(args.at(2)))
-            || !query.exec(args.at(3))) {
+        if (!query.exec(QStringLiteral("PRAGMA key = '%1';").arg(args.at(2))) || !query.exec(args.at(3))) {
             err << query.lastError().text() << '\n';
             rc = 1;
         }

@@ -27,18 +27,18 @@ const QString projectKey = QLatin1String(TestDatabase::projectKey_);
 const QString otherKey = QStringLiteral("99887766554433221100ffeeddccbbaa");
 
 // Three rows in t, a child table with a foreign key, nothing else.
-const QString seedSql = QStringLiteral(
-    "CREATE TABLE t(id INTEGER PRIMARY KEY, name TEXT NOT NULL, amount REAL DEFAULT 0.5, data BLOB);"
-    "INSERT INTO t(id, name) VALUES (1, 'one'), (2, 'two'), (3, 'three');"
-    "CREATE TABLE c(id INTEGER PRIMARY KEY, t_id INTEGER REFERENCES t(id));");
+const QString seedSql =
+    QStringLiteral("CREATE TABLE t(id INTEGER PRIMARY KEY, name TEXT NOT NULL, amount REAL DEFAULT 0.5, data BLOB);"
+                   "INSERT INTO t(id, name) VALUES (1, 'one'), (2, 'two'), (3, 'three');"
+                   "CREATE TABLE c(id INTEGER PRIMARY KEY, t_id INTEGER REFERENCES t(id));");
 
 // Type and value: QVariant's operator== converts between types.
 QString describe(const QVariant& value)
 {
-    const QString text = value.type() == QVariant::ByteArray ? QString::fromLatin1(value.toByteArray().toHex())
-                                                             : value.toString();
-    return QStringLiteral("%1(%2)%3").arg(QString::fromLatin1(value.typeName()), text,
-                                          value.isNull() ? QStringLiteral(" null") : QString());
+    const QString text =
+        value.type() == QVariant::ByteArray ? QString::fromLatin1(value.toByteArray().toHex()) : value.toString();
+    return QStringLiteral("%1(%2)%3")
+        .arg(QString::fromLatin1(value.typeName()), text, value.isNull() ? QStringLiteral(" null") : QString());
 }
 
 // What another process sees in the file, or the shell's complaint.
@@ -174,7 +174,8 @@ void tst_SqlCipherDriver::bindsAndReadsBack_data()
         QTest::newRow(qPrintable(name)) << bound << QString::fromUtf8(storedAs) << readBack;
     };
 
-    for (QVariant::Type type : {QVariant::Int, QVariant::String, QVariant::ByteArray, QVariant::DateTime, QVariant::Invalid})
+    for (QVariant::Type type :
+         {QVariant::Int, QVariant::String, QVariant::ByteArray, QVariant::DateTime, QVariant::Invalid})
         row(QStringLiteral("null %1").arg(QVariant::typeToName(type)), QVariant(type), "null|NULL", QVariant());
     row("true", true, "integer|1", qlonglong(1));
     row("int min", std::numeric_limits<int>::min(), "integer|-2147483648", qlonglong(-2147483648LL));
@@ -340,13 +341,18 @@ void tst_SqlCipherDriver::reportsEngineErrors_data()
     QTest::addColumn<QString>("message");
     QTest::addColumn<QString>("code");
 
-    QTest::newRow("missing table") << "SELECT * FROM missing" << QVariantList() << "no such table: missing" << "1";
+    QTest::newRow("missing table") << "SELECT * FROM missing" << QVariantList() << "no such table: missing"
+                                   << "1";
     QTest::newRow("two statements") << "SELECT 1; SELECT 2" << QVariantList()
-                                    << "Unable to execute multiple statements at a time" << "";
+                                    << "Unable to execute multiple statements at a time"
+                                    << "";
     QTest::newRow("duplicate key") << "INSERT INTO t(id, name) VALUES (?, ?)" << QVariantList{1, QStringLiteral("uno")}
-                                   << "UNIQUE constraint failed: t.id" << "19";
-    QTest::newRow("too few values") << "SELECT ?, ?" << QVariantList{1} << "Parameter count mismatch" << "";
-    QTest::newRow("value of no SQL type") << "SELECT ?" << QVariantList{QPoint(1, 2)} << "unsupported type QPoint" << "";
+                                   << "UNIQUE constraint failed: t.id"
+                                   << "19";
+    QTest::newRow("too few values") << "SELECT ?, ?" << QVariantList{1} << "Parameter count mismatch"
+                                    << "";
+    QTest::newRow("value of no SQL type") << "SELECT ?" << QVariantList{QPoint(1, 2)} << "unsupported type QPoint"
+                                          << "";
 }
 
 void tst_SqlCipherDriver::reportsEngineErrors()
@@ -371,9 +377,10 @@ void tst_SqlCipherDriver::reportsEngineErrors()
 void tst_SqlCipherDriver::tablesAndColumns()
 {
     // Neither the view nor the engine's sqlite_sequence is a table.
-    QSqlDatabase db = open(seeded(seedSql + QStringLiteral("CREATE TABLE s(id INTEGER PRIMARY KEY AUTOINCREMENT, x);"
-                                                           "INSERT INTO s(x) VALUES (1);"
-                                                           "CREATE VIEW v AS SELECT id FROM t;")));
+    QSqlDatabase db = open(seeded(seedSql
+                                  + QStringLiteral("CREATE TABLE s(id INTEGER PRIMARY KEY AUTOINCREMENT, x);"
+                                                   "INSERT INTO s(x) VALUES (1);"
+                                                   "CREATE VIEW v AS SELECT id FROM t;")));
     QStringList tables = db.tables(QSql::Tables);
     tables.sort();
     QCOMPARE(tables, (QStringList{"c", "s", "t"}));
@@ -385,9 +392,9 @@ void tst_SqlCipherDriver::tablesAndColumns()
     // The engine prepares a cached statement again when the schema changed; the record follows.
     const QString text = QStringLiteral("SELECT * FROM t LIMIT 1");
     QVERIFY(QSqlQuery(db).exec(text));
-    QVERIFY(QSqlQuery(db).exec(QStringLiteral(
-        "DROP VIEW v; DROP TABLE c; DROP TABLE t; CREATE TABLE t(key TEXT PRIMARY KEY, label TEXT, size REAL, raw BLOB);"
-        "INSERT INTO t VALUES ('1', 'uno', 1.5, NULL);")));
+    QVERIFY(QSqlQuery(db).exec(QStringLiteral("DROP VIEW v; DROP TABLE c; DROP TABLE t; CREATE TABLE t(key TEXT "
+                                              "PRIMARY KEY, label TEXT, size REAL, raw BLOB);"
+                                              "INSERT INTO t VALUES ('1', 'uno', 1.5, NULL);")));
     QSqlQuery query(db);
     QVERIFY2(query.exec(text), qPrintable(query.lastError().text()));
     QCOMPARE(fields(query.record()), QStringLiteral("key:QString label:QString size:double raw:QByteArray"));
@@ -470,10 +477,12 @@ void tst_SqlCipherDriver::rekeysAndVacuums()
         // has the text of an earlier one and must run again all the same.
         QSqlQuery query(db);
         for (const QString& key : {QString(), first, otherKey, first})
-            QVERIFY2(query.exec(key.isNull() ? QStringLiteral("VACUUM") : QStringLiteral("PRAGMA rekey = '%1';").arg(key)),
-                     qPrintable(query.lastError().text()));
+            QVERIFY2(
+                query.exec(key.isNull() ? QStringLiteral("VACUUM") : QStringLiteral("PRAGMA rekey = '%1';").arg(key)),
+                qPrintable(query.lastError().text()));
     }
-    QCOMPARE(shell(path, QStringLiteral("SELECT name FROM t ORDER BY id;"), first), QStringLiteral("one\ntwo\nthree\n"));
+    QCOMPARE(shell(path, QStringLiteral("SELECT name FROM t ORDER BY id;"), first),
+             QStringLiteral("one\ntwo\nthree\n"));
 }
 
 // A program that does not link the driver finds it only as a plugin of the build tree.
@@ -484,7 +493,8 @@ void tst_SqlCipherDriver::loadsThroughPluginPath()
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.remove(QStringLiteral("QT_PLUGIN_PATH"));
         if (withPluginPath)
-            environment.insert(QStringLiteral("QT_PLUGIN_PATH"), zelmor::testsupport::binaryDir() + QLatin1String("/plugins"));
+            environment.insert(QStringLiteral("QT_PLUGIN_PATH"),
+                               zelmor::testsupport::binaryDir() + QLatin1String("/plugins"));
         QProcess probe;
         probe.setProcessEnvironment(environment);
         probe.start(QCoreApplication::applicationDirPath() + QLatin1String("/sqlcipher_plugin_probe"),

@@ -58,14 +58,14 @@ for operation in sys.argv[3:]:
 client.close()
 )";
 
-ClientResult runPymodbus(QString const& script, QStringList const& arguments = {}, int timeoutMs = 30000)
+ClientResult runPymodbus(const QString& script, const QStringList& arguments = {}, int timeoutMs = 30000)
 {
     return runClient(QLatin1String(python), QStringList{"-c", pymodbusPreamble + script} + arguments, timeoutMs);
 }
 
 } // namespace
 
-ClientResult runClient(QString const& program, QStringList const& arguments, int timeoutMs)
+ClientResult runClient(const QString& program, const QStringList& arguments, int timeoutMs)
 {
     ClientResult result;
     QProcess process;
@@ -88,14 +88,14 @@ ClientResult runClient(QString const& program, QStringList const& arguments, int
     return result;
 }
 
-QStringList runModbusOperations(QString const& target, QStringList const& operations, double replyTimeoutS)
+QStringList runModbusOperations(const QString& target, const QStringList& operations, double replyTimeoutS)
 {
     // Enough for every operation to time out once.
-    int const timeoutMs = 10000 + static_cast<int>(replyTimeoutS * 1000) * (operations.size() + 1);
-    ClientResult const result = runPymodbus(QLatin1String(operationsScript),
-                                            QStringList{target, QString::number(replyTimeoutS)} + operations, timeoutMs);
+    const int timeoutMs = 10000 + static_cast<int>(replyTimeoutS * 1000) * (operations.size() + 1);
+    const ClientResult result = runPymodbus(
+        QLatin1String(operationsScript), QStringList{target, QString::number(replyTimeoutS)} + operations, timeoutMs);
     QStringList lines;
-    for (QString const& line : QString::fromUtf8(result.standardOutput).split(QLatin1Char('\n'))) {
+    for (const QString& line : QString::fromUtf8(result.standardOutput).split(QLatin1Char('\n'))) {
         if (!line.trimmed().isEmpty())
             lines << line.trimmed();
     }
@@ -106,7 +106,7 @@ QStringList runModbusOperations(QString const& target, QStringList const& operat
 
 bool hasPymodbus()
 {
-    static bool const available = [] {
+    static const bool available = [] {
         ClientResult const result = runPymodbus(QStringLiteral("print('ok')"));
         return result.finished && result.exitCode == 0;
     }();

@@ -19,7 +19,7 @@ struct ClientResult
 };
 
 // Runs a program with its arguments, killing it after timeoutMs.
-ClientResult runClient(QString const& program, QStringList const& arguments, int timeoutMs = 30000);
+ClientResult runClient(const QString& program, const QStringList& arguments, int timeoutMs = 30000);
 
 // Runs pymodbus's synchronous client (/usr/bin/python3) against one server
 // and does the operations in order, one output line each. `target` is one of
@@ -35,7 +35,7 @@ ClientResult runClient(QString const& program, QStringList const& arguments, int
 //   coil:A:0|1               write one coil (function 5): "ok"
 // An exception reply prints "exception <code>"; an answer the library
 // can't decode, or none, prints "error". Each client waits `replyTimeoutS`.
-QStringList runModbusOperations(QString const& target, QStringList const& operations, double replyTimeoutS = 3);
+QStringList runModbusOperations(const QString& target, const QStringList& operations, double replyTimeoutS = 3);
 
 // Whether python3 with pymodbus is installed.
 bool hasPymodbus();

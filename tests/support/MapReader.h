@@ -15,10 +15,7 @@ namespace zelmor::testsupport {
 class MapReader : public simulation::SimulationReader
 {
 public:
-    QVariant read(int address) override
-    {
-        return values.value(address);
-    }
+    QVariant read(int address) override { return values.value(address); }
 
     // Every write to a known address is noted; a read-only one is refused.
     bool write(int address, QVariant value) override

@@ -28,11 +28,11 @@ bool runIp(const QString& command, QString* output = nullptr)
 {
     QProcess process;
     process.start(QStringLiteral("ip"), command.split(QLatin1Char(' ')));
-    const bool ok = process.waitForFinished(30000) && process.exitStatus() == QProcess::NormalExit
-                    && process.exitCode() == 0;
+    const bool ok =
+        process.waitForFinished(30000) && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
     if (output)
-        *output = QStringLiteral("ip %1: %2").arg(command, QString::fromLocal8Bit(process.readAll()
-                                                                                 + process.readAllStandardError()));
+        *output = QStringLiteral("ip %1: %2")
+                      .arg(command, QString::fromLocal8Bit(process.readAll() + process.readAllStandardError()));
     return ok;
 }
 
@@ -58,7 +58,8 @@ qintptr socketInside(const QString& name, const QString& address, quint16 port, 
         return -1;
     int descriptor = -1;
     std::thread thread([&] {
-        const int space = ::open((QLatin1String(namespaceFolder) + name).toLocal8Bit().constData(), O_RDONLY | O_CLOEXEC);
+        const int space =
+            ::open((QLatin1String(namespaceFolder) + name).toLocal8Bit().constData(), O_RDONLY | O_CLOEXEC);
         if (space >= 0 && ::setns(space, CLONE_NEWNET) == 0) {
             descriptor = ::socket(AF_INET, type | SOCK_CLOEXEC, 0);
             if (descriptor >= 0
@@ -85,8 +86,8 @@ NetworkNamespace::NetworkNamespace(const QStringList& onFa, const QStringList& o
 {
     static int counter = 0;
     removeOrphans();
-    name_ = QStringLiteral("%1%2-%3").arg(QLatin1String(namePrefix)).arg(QCoreApplication::applicationPid()).arg(
-        ++counter);
+    name_ =
+        QStringLiteral("%1%2-%3").arg(QLatin1String(namePrefix)).arg(QCoreApplication::applicationPid()).arg(++counter);
     const QString inside = QStringLiteral("-n ") + name_ + QLatin1Char(' ');
     QStringList commands{"netns add " + name_, inside + "link set lo up", inside + "link add fa type veth peer name fb",
                          inside + "link set fa up", inside + "link set fb up"};

@@ -15,10 +15,10 @@ namespace zelmor::testsupport {
 
 // The frame with its CRC-16/MODBUS behind it, low byte first. Computed bit
 // by bit here, independently of the table the converter uses.
-inline QByteArray withCrc(QByteArray const& frame)
+inline QByteArray withCrc(const QByteArray& frame)
 {
     quint16 crc = 0xFFFF;
-    for (char const byte : frame) {
+    for (const char byte : frame) {
         crc ^= quint8(byte);
         for (int bit = 0; bit < 8; ++bit)
             crc = (crc & 1) ? quint16((crc >> 1) ^ 0xA001) : quint16(crc >> 1);
@@ -29,12 +29,12 @@ inline QByteArray withCrc(QByteArray const& frame)
 // Writes the bytes and returns once the server in this process has read
 // them, so that one call is one read on the far side: the converter takes
 // each read as one frame. False when they weren't acknowledged in time.
-inline bool deliver(QTcpSocket& client, QByteArray const& bytes, int timeoutMs = 10000)
+inline bool deliver(QTcpSocket& client, const QByteArray& bytes, int timeoutMs = 10000)
 {
     client.write(bytes);
     client.flush();
     // Bytes the peer hasn't acknowledged yet.
-    auto const unacknowledged = [&client] {
+    const auto unacknowledged = [&client] {
         int count = 0;
         return ::ioctl(int(client.socketDescriptor()), SIOCOUTQ, &count) == 0 ? count : -1;
     };
@@ -42,7 +42,8 @@ inline bool deliver(QTcpSocket& client, QByteArray const& bytes, int timeoutMs =
     // turn of the event loop then reads it there. A reply carries the
     // acknowledgement at once, silence waits for the delayed one.
     QCoreApplication::processEvents();
-    bool const acknowledged = (client.bytesToWrite() == 0 && unacknowledged() == 0)
+    const bool acknowledged =
+        (client.bytesToWrite() == 0 && unacknowledged() == 0)
         || QTest::qWaitFor([&] { return client.bytesToWrite() == 0 && unacknowledged() == 0; }, timeoutMs);
     QCoreApplication::processEvents();
     return acknowledged;

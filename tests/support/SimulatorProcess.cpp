@@ -3,10 +3,10 @@
 #include "support/TestPaths.h"
 
 #include <QDeadlineTimer>
+#include <QDebug>
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
-#include <QDebug>
 #include <QTest>
 
 namespace zelmor::testsupport {

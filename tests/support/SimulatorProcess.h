@@ -46,10 +46,18 @@ public:
     bool isRunning() const { return process_.state() != QProcess::NotRunning; }
     qint64 processId() const { return process_.processId(); }
 
-    QByteArray standardOutput() { collect(); return output_; }
+    QByteArray standardOutput()
+    {
+        collect();
+        return output_;
+    }
     // Standard output with each "Adding Signal" line folded into a '+'.
     QByteArray foldedOutput();
-    QByteArray standardError() { collect(); return error_; }
+    QByteArray standardError()
+    {
+        collect();
+        return error_;
+    }
 
 private:
     QString path(const QString& relative) const;

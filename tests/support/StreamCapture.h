@@ -16,8 +16,8 @@ public:
     explicit StreamCapture(QTextStream& stream);
     ~StreamCapture();
 
-    StreamCapture(StreamCapture const&) = delete;
-    StreamCapture& operator=(StreamCapture const&) = delete;
+    StreamCapture(const StreamCapture&) = delete;
+    StreamCapture& operator=(const StreamCapture&) = delete;
 
     // Everything written so far, after a flush of the stream.
     QByteArray text();

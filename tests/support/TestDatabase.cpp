@@ -15,9 +15,8 @@ TestDatabase::ShellResult runShell(const QString& program, const QString& filePa
 {
     TestDatabase::ShellResult result;
     QProcess process;
-    process.start(program, {QStringLiteral("-batch"), QStringLiteral("-bail"),
-                            QStringLiteral("-noheader"), QStringLiteral("-list"),
-                            QStringLiteral("-separator"), QStringLiteral("|"), filePath});
+    process.start(program, {QStringLiteral("-batch"), QStringLiteral("-bail"), QStringLiteral("-noheader"),
+                            QStringLiteral("-list"), QStringLiteral("-separator"), QStringLiteral("|"), filePath});
     if (!process.waitForStarted(shellTimeoutMs)) {
         result.errorOutput = QStringLiteral("%1 did not start: %2").arg(program, process.errorString());
         return result;
@@ -33,8 +32,7 @@ TestDatabase::ShellResult runShell(const QString& program, const QString& filePa
     }
     result.output = QString::fromUtf8(process.readAllStandardOutput());
     result.errorOutput = QString::fromUtf8(process.readAllStandardError());
-    result.ok = process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0
-                && result.errorOutput.isEmpty();
+    result.ok = process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0 && result.errorOutput.isEmpty();
     return result;
 }
 
@@ -82,8 +80,7 @@ QString TestDatabase::lastError() const
     return lastError_;
 }
 
-TestDatabase::ShellResult TestDatabase::runSqlcipher(const QString& filePath, const QString& key,
-                                                     const QString& sql)
+TestDatabase::ShellResult TestDatabase::runSqlcipher(const QString& filePath, const QString& key, const QString& sql)
 {
     if (key.isEmpty())
         return runShell(QStringLiteral("sqlite3"), filePath, sql);

@@ -35,11 +35,7 @@ enum class ChamberProperty : int {
 };
 
 // Table "chamber_has_custom_signal_name".
-enum class ChamberHasCustomSignalNameProperty : int {
-    CHAMBER_ID = 0,
-    SIGNAL_ID = 1,
-    SIGNAL_NAME = 2
-};
+enum class ChamberHasCustomSignalNameProperty : int { CHAMBER_ID = 0, SIGNAL_ID = 1, SIGNAL_NAME = 2 };
 
 // Table "chamber_has_signal_delay".
 enum class ChamberHasSignalDelayProperty : int {
@@ -50,10 +46,7 @@ enum class ChamberHasSignalDelayProperty : int {
 };
 
 // Table "chamber_has_subscribed_signal".
-enum class ChamberHasSubscribedSignalProperty : int {
-    CHAMBER_ID = 0,
-    SIGNAL_ID = 1
-};
+enum class ChamberHasSubscribedSignalProperty : int { CHAMBER_ID = 0, SIGNAL_ID = 1 };
 
 // Table "tolerance_range" of the application database: the history of a
 // chamber's ranges. Not the catalogue's table of the same name.
@@ -144,10 +137,7 @@ constexpr RecordingProperty operator&(RecordingProperty left, RecordingProperty 
 }
 
 // Table "meta_recording_has_recording".
-enum class MetaRecordingHasRecordingProperty : int {
-    META_RECORDING_ID = 0,
-    RECORDING_ID = 1
-};
+enum class MetaRecordingHasRecordingProperty : int { META_RECORDING_ID = 0, RECORDING_ID = 1 };
 
 // Table "record_set". SIGNAL_N stands for the 48 value columns "signal_1" to "signal_48".
 enum class RecordsetProperty : int {
@@ -162,19 +152,10 @@ enum class RecordsetProperty : int {
 };
 
 // Table "record_set_comment".
-enum class RecordsetCommentProperty : int {
-    RECORDSET_ID = 0,
-    USER_ID = 1,
-    CREATION_TIME = 2,
-    COMMENT_TEXT = 3
-};
+enum class RecordsetCommentProperty : int { RECORDSET_ID = 0, USER_ID = 1, CREATION_TIME = 2, COMMENT_TEXT = 3 };
 
 // Table "recording_has_signal_column".
-enum class RecordingHasSignalColumnProperty : int {
-    RECORDING_ID = 0,
-    SIGNAL_ID = 1,
-    RECORDSET_SIGNAL_COLUMN = 2
-};
+enum class RecordingHasSignalColumnProperty : int { RECORDING_ID = 0, SIGNAL_ID = 1, RECORDSET_SIGNAL_COLUMN = 2 };
 
 // Table "application_user".
 enum class UserProperty : int {
@@ -196,12 +177,7 @@ enum class UserProperty : int {
 };
 
 // Table "user_has_security_question".
-enum class UserHasSecurityQuestionProperty : int {
-    USER_ID = 0,
-    QUESTION_ID = 1,
-    ANSWER_HASH = 2,
-    ANSWER_SALT = 3
-};
+enum class UserHasSecurityQuestionProperty : int { USER_ID = 0, QUESTION_ID = 1, ANSWER_HASH = 2, ANSWER_SALT = 3 };
 
 // Table "user_preferences".
 enum class UserPreferencesProperty : int {
@@ -224,11 +200,7 @@ enum class UserHasChamberSignalVisibilityPreferenceProperty : int {
 };
 
 // Table "user_recording_config".
-enum class UserRecordingConfigProperty : int {
-    USER_ID = 0,
-    RECORDING_ID = 1,
-    CONFIG = 2
-};
+enum class UserRecordingConfigProperty : int { USER_ID = 0, RECORDING_ID = 1, CONFIG = 2 };
 
 // Table "global_settings", a table of one row.
 enum class GlobalSettingsProperty : int {
@@ -280,10 +252,7 @@ enum class GlobalSettingsProperty : int {
 };
 
 // Table "mail_recipient".
-enum class MailRecipientProperty : int {
-    ID = 0,
-    MAIL_ADDRESS = 1
-};
+enum class MailRecipientProperty : int { ID = 0, MAIL_ADDRESS = 1 };
 
 // Table "log_entry", the application's log. ARG_N stands for the argument
 // columns "arg_1" upward.
@@ -297,20 +266,10 @@ enum class ProtocolEntryProperty : int {
 };
 
 // Table "room".
-enum class RoomProperty : int {
-    ID = 0,
-    ROOM_NAME = 1,
-    IMAGE_PATH = 2,
-    IMAGE_SCALE = 3
-};
+enum class RoomProperty : int { ID = 0, ROOM_NAME = 1, IMAGE_PATH = 2, IMAGE_SCALE = 3 };
 
 // Table "room_chamber_position".
-enum class RoomChamberPositionProperty : int {
-    CHAMBER_ID = 0,
-    ROOM_ID = 1,
-    CHAMBER_POS_X = 2,
-    CHAMBER_POS_Y = 3
-};
+enum class RoomChamberPositionProperty : int { CHAMBER_ID = 0, ROOM_ID = 1, CHAMBER_POS_X = 2, CHAMBER_POS_Y = 3 };
 
 // Table "camera".
 enum class CameraProperty : int {
@@ -340,9 +299,6 @@ enum class AlarmProperty : int {
 };
 
 // Table "alarm_has_signal".
-enum class AlarmHasSignalProperty : int {
-    ALARM_ID = 0,
-    SIGNAL_ID = 1
-};
+enum class AlarmHasSignalProperty : int { ALARM_ID = 0, SIGNAL_ID = 1 };
 
 } // namespace zelmor::domain::api

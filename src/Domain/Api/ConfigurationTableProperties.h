@@ -9,29 +9,16 @@
 namespace zelmor::domain::api {
 
 // Table "additional_info": the orderable variants of a chamber type.
-enum class AdditionalInfoProperty : int {
-    ID = 0,
-    ARTICLE_NR = 1,
-    INFO = 2
-};
+enum class AdditionalInfoProperty : int { ID = 0, ARTICLE_NR = 1, INFO = 2 };
 
 // Table "chamber_type_has_additional_info".
-enum class ChamberTypeHasAdditionalInfoProperty : int {
-    CHAMBER_TYPE_ID = 0,
-    ADDITIONAL_INFO_ID = 1
-};
+enum class ChamberTypeHasAdditionalInfoProperty : int { CHAMBER_TYPE_ID = 0, ADDITIONAL_INFO_ID = 1 };
 
 // Table "chamber_type_has_protocol".
-enum class ChamberTypeHasProtocolProperty : int {
-    CHAMBER_TYPE_ID = 0,
-    PROTOCOL_ID = 1
-};
+enum class ChamberTypeHasProtocolProperty : int { CHAMBER_TYPE_ID = 0, PROTOCOL_ID = 1 };
 
 // Table "chamber_type_has_signal".
-enum class ChamberTypeHasSignalProperty : int {
-    CHAMBER_TYPE_ID = 0,
-    SIGNAL_ID = 1
-};
+enum class ChamberTypeHasSignalProperty : int { CHAMBER_TYPE_ID = 0, SIGNAL_ID = 1 };
 
 // Table "chamber_type". The German column names and "developement_state" are
 // spelt as the delivered catalogue has them.
@@ -53,10 +40,7 @@ enum class ChamberTypeProperty : int {
 };
 
 // Table "controller".
-enum class ControllerProperty : int {
-    ID = 0,
-    TYPE = 1
-};
+enum class ControllerProperty : int { ID = 0, TYPE = 1 };
 
 // Table "controller_data": the registers of the controllers.
 enum class ControllerDataProperty : int {
@@ -72,11 +56,7 @@ enum class ControllerDataProperty : int {
 };
 
 // Table "protocol" (the chamber protocols, not the application's log).
-enum class ProtocolProperty : int {
-    ID = 0,
-    TYPE = 1,
-    INTERFACE = 2
-};
+enum class ProtocolProperty : int { ID = 0, TYPE = 1, INTERFACE = 2 };
 
 // Table "signal".
 enum class SignalProperty : int {
@@ -99,60 +79,28 @@ enum class SignalProperty : int {
 };
 
 // Table "value_type".
-enum class ValueTypeProperty : int {
-    ID = 0,
-    NAME = 1,
-    DECIMAL_PLACES = 2,
-    COLOR = 3
-};
+enum class ValueTypeProperty : int { ID = 0, NAME = 1, DECIMAL_PLACES = 2, COLOR = 3 };
 
 // Table "chamber_type_has_control_signals".
-enum class ChamberTypeHasControlSignalsProperty : int {
-    CHAMBER_TYPE_ID = 0,
-    CONTROL_SIGNALS_ID = 1
-};
+enum class ChamberTypeHasControlSignalsProperty : int { CHAMBER_TYPE_ID = 0, CONTROL_SIGNALS_ID = 1 };
 
 // Table "control_signals".
-enum class ControlSignalsProperty : int {
-    ID = 0,
-    NAME = 1,
-    BITPOSITION = 2,
-    USERLEVEL = 3,
-    READ = 4,
-    WRITE = 5
-};
+enum class ControlSignalsProperty : int { ID = 0, NAME = 1, BITPOSITION = 2, USERLEVEL = 3, READ = 4, WRITE = 5 };
 
 // Table "chamber_type_has_datalogger_signal".
-enum class ChamberTypeHasDataloggerSignalProperty : int {
-    CHAMBER_TYPE_ID = 0,
-    DATALOGGER_SIGNAL_ID = 1,
-    CHANNEL = 2
-};
+enum class ChamberTypeHasDataloggerSignalProperty : int { CHAMBER_TYPE_ID = 0, DATALOGGER_SIGNAL_ID = 1, CHANNEL = 2 };
 
 // Table "chamber_type_has_options".
-enum class ChamberTypeHasOptionsProperty : int {
-    CHAMBER_TYPE_ID = 0,
-    OPTIONS_ID = 1
-};
+enum class ChamberTypeHasOptionsProperty : int { CHAMBER_TYPE_ID = 0, OPTIONS_ID = 1 };
 
 // Table "options".
-enum class OptionsProperty : int {
-    ID = 0,
-    NAME = 1,
-    FIX = 2
-};
+enum class OptionsProperty : int { ID = 0, NAME = 1, FIX = 2 };
 
 // Table "chamber_type_has_test_signal".
-enum class ChamberTypeHasTestSignalProperty : int {
-    CHAMBER_TYPE_ID = 0,
-    TEST_SIGNAL_ID = 1
-};
+enum class ChamberTypeHasTestSignalProperty : int { CHAMBER_TYPE_ID = 0, TEST_SIGNAL_ID = 1 };
 
 // Table "chamber_type_has_tolerance_range".
-enum class ChamberTypeHasToleranceRangeProperty : int {
-    CHAMBER_TYPE_ID = 0,
-    TOLERANCE_RANGE_ID = 1
-};
+enum class ChamberTypeHasToleranceRangeProperty : int { CHAMBER_TYPE_ID = 0, TOLERANCE_RANGE_ID = 1 };
 
 // Table "tolerance_range" of the catalogue: the default ranges of the chamber
 // types. Not the application database's table of the same name.
@@ -168,10 +116,6 @@ enum class DefaultToleranceRangeProperty : int {
 };
 
 // Table "activity_access": the user level each activity requires.
-enum class ActivityAccessProperty : int {
-    COMPONENT_ID = 0,
-    ACTIVITY_ID = 1,
-    MIN_USER_LEVEL = 2
-};
+enum class ActivityAccessProperty : int { COMPONENT_ID = 0, ACTIVITY_ID = 1, MIN_USER_LEVEL = 2 };
 
 } // namespace zelmor::domain::api

@@ -34,8 +34,8 @@ public:
     // Types with at least one time-programmable signal, without signals.
     virtual QList<zelmor::domain::types::ChamberTypeData> getAllProgrammableChamberTypeData() const = 0;
     // An additional info id of 0 stands for the type's only variant.
-    virtual zelmor::domain::types::ChamberTypeData
-    getChamberTypeData(const zelmor::domain::types::ChamberTypeId& id, bool withSignals) const = 0;
+    virtual zelmor::domain::types::ChamberTypeData getChamberTypeData(const zelmor::domain::types::ChamberTypeId& id,
+                                                                      bool withSignals) const = 0;
     virtual QMap<int, zelmor::domain::types::ChamberSignal>
     getChamberSignals(const zelmor::domain::types::ChamberTypeId& id) const = 0;
     // Ordered by the set point number of each signal's manual write register;

@@ -38,8 +38,8 @@ public:
     virtual QList<QVariant> fetchSingleRow(const ISqlQuery& query) const = 0;
     virtual QVariant fetchSingleValue(const ISqlQuery& query) const = 0;
     // The second and third argument are ignored.
-    virtual bool openDatabase(const QString& databaseFile, const QString& userName,
-                              const QString& password, const QString& key) = 0;
+    virtual bool openDatabase(const QString& databaseFile, const QString& userName, const QString& password,
+                              const QString& key) = 0;
     virtual void closeDatabase() = 0;
     // Deletes the rows of every table except the schema version's.
     virtual bool emptyDatabase() = 0;

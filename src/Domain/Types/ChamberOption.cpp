@@ -1,8 +1,6 @@
 #include "Domain/Types/ChamberOption.h"
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 const QStringList ChamberOption::optionNames_ = {
     QStringLiteral("TimeProgram"),
@@ -50,6 +48,4 @@ bool operator!=(const ChamberOption& left, const ChamberOption& right)
     return !(left == right);
 }
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

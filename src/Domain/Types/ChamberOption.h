@@ -3,9 +3,7 @@
 #include <QString>
 #include <QStringList>
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 // One equipment option of a chamber type.
 class ChamberOption
@@ -24,6 +22,4 @@ public:
 bool operator==(const ChamberOption& left, const ChamberOption& right);
 bool operator!=(const ChamberOption& left, const ChamberOption& right);
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

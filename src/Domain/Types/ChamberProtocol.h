@@ -1,8 +1,6 @@
 #pragma once
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 // The numbers are those of the catalogue's "protocol_id", taken over as they are.
 enum ChamberProtocol : int {
@@ -18,6 +16,4 @@ enum ChamberProtocol : int {
     UNKNOWN_PROTOCOL = 100
 };
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

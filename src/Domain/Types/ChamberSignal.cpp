@@ -4,15 +4,13 @@
 
 #include <limits>
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 namespace {
 
 constexpr float toleranceFactor = 0.25f;
 
-template <typename T>
+template<typename T>
 bool haveSameContent(const QSharedPointer<T>& left, const QSharedPointer<T>& right)
 {
     if (left && right) {
@@ -24,39 +22,15 @@ bool haveSameContent(const QSharedPointer<T>& left, const QSharedPointer<T>& rig
 } // namespace
 
 ChamberSignal::ChamberSignal()
-    : ChamberSignal(-1,
-                    QString(),
-                    Unit::UNDEFINED,
-                    QColor(),
-                    0,
-                    NONE,
-                    std::numeric_limits<float>::lowest(),
-                    std::numeric_limits<float>::max(),
-                    -1,
-                    NO_SIGNAL_TYPE,
-                    {},
-                    false,
-                    false,
-                    {},
-                    {},
-                    {},
-                    {})
+    : ChamberSignal(-1, QString(), Unit::UNDEFINED, QColor(), 0, NONE, std::numeric_limits<float>::lowest(),
+                    std::numeric_limits<float>::max(), -1, NO_SIGNAL_TYPE, {}, false, false, {}, {}, {}, {})
 {
 }
 
-ChamberSignal::ChamberSignal(SignalId id,
-                             const QString& name,
-                             Unit::UnitId unit,
-                             const QColor& color,
-                             int decimalPlaces,
-                             UserLevel userLevel,
-                             float limitMin,
-                             float limitMax,
-                             int bitPosition,
-                             SignalType signalType,
-                             const QSharedPointer<ChamberSignal>& setPointSignal,
-                             bool timeProgrammable,
-                             bool weekProgrammable,
+ChamberSignal::ChamberSignal(SignalId id, const QString& name, Unit::UnitId unit, const QColor& color,
+                             int decimalPlaces, UserLevel userLevel, float limitMin, float limitMax, int bitPosition,
+                             SignalType signalType, const QSharedPointer<ChamberSignal>& setPointSignal,
+                             bool timeProgrammable, bool weekProgrammable,
                              const QSharedPointer<ControllerAddress>& read,
                              const QSharedPointer<ControllerAddress>& writeBasic,
                              const QSharedPointer<ControllerAddress>& writeManual,
@@ -176,23 +150,14 @@ bool ChamberSignal::operator>(const ChamberSignal& other)
 
 bool operator==(const ChamberSignal& left, const ChamberSignal& right)
 {
-    return left.id == right.id
-        && left.name == right.name
-        && left.unit == right.unit
-        && left.color == right.color
-        && left.userLevel == right.userLevel
-        && left.decimalPlaces == right.decimalPlaces
-        && left.limitMin == right.limitMin
-        && left.limitMax == right.limitMax
-        && left.bitPosition == right.bitPosition
-        && left.signalType == right.signalType
-        && haveSameContent(left.setPointSignal, right.setPointSignal)
-        && left.timeProgrammable == right.timeProgrammable
-        && left.weekProgrammable == right.weekProgrammable
-        && haveSameContent(left.read, right.read)
-        && haveSameContent(left.writeBasic, right.writeBasic)
-        && haveSameContent(left.writeManual, right.writeManual)
-        && haveSameContent(left.writeAuto, right.writeAuto);
+    return left.id == right.id && left.name == right.name && left.unit == right.unit && left.color == right.color
+           && left.userLevel == right.userLevel && left.decimalPlaces == right.decimalPlaces
+           && left.limitMin == right.limitMin && left.limitMax == right.limitMax
+           && left.bitPosition == right.bitPosition && left.signalType == right.signalType
+           && haveSameContent(left.setPointSignal, right.setPointSignal)
+           && left.timeProgrammable == right.timeProgrammable && left.weekProgrammable == right.weekProgrammable
+           && haveSameContent(left.read, right.read) && haveSameContent(left.writeBasic, right.writeBasic)
+           && haveSameContent(left.writeManual, right.writeManual) && haveSameContent(left.writeAuto, right.writeAuto);
 }
 
 bool operator!=(const ChamberSignal& left, const ChamberSignal& right)
@@ -205,6 +170,4 @@ uint qHash(const ChamberSignal& signal, uint seed)
     return uint(signal.id) ^ seed;
 }
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

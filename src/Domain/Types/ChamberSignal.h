@@ -8,9 +8,7 @@
 #include <QSharedPointer>
 #include <QString>
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 class ControllerAddress;
 
@@ -28,21 +26,10 @@ public:
     // The empty signal: what the catalogue gives for a row it can't read. Id -1,
     // unit UNDEFINED, invalid colour, the widest finite limits, no links, no addresses.
     ChamberSignal();
-    ChamberSignal(SignalId id,
-                  const QString& name,
-                  Unit::UnitId unit,
-                  const QColor& color,
-                  int decimalPlaces,
-                  UserLevel userLevel,
-                  float limitMin,
-                  float limitMax,
-                  int bitPosition,
-                  SignalType signalType,
-                  const QSharedPointer<ChamberSignal>& setPointSignal,
-                  bool timeProgrammable,
-                  bool weekProgrammable,
-                  const QSharedPointer<ControllerAddress>& read,
-                  const QSharedPointer<ControllerAddress>& writeBasic,
+    ChamberSignal(SignalId id, const QString& name, Unit::UnitId unit, const QColor& color, int decimalPlaces,
+                  UserLevel userLevel, float limitMin, float limitMax, int bitPosition, SignalType signalType,
+                  const QSharedPointer<ChamberSignal>& setPointSignal, bool timeProgrammable, bool weekProgrammable,
+                  const QSharedPointer<ControllerAddress>& read, const QSharedPointer<ControllerAddress>& writeBasic,
                   const QSharedPointer<ControllerAddress>& writeManual,
                   const QSharedPointer<ControllerAddress>& writeAuto);
 
@@ -88,6 +75,4 @@ bool operator!=(const ChamberSignal& left, const ChamberSignal& right);
 
 uint qHash(const ChamberSignal& signal, uint seed = 0);
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

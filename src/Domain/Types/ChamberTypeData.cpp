@@ -1,8 +1,6 @@
 #include "Domain/Types/ChamberTypeData.h"
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 ChamberTypeData::ChamberTypeData()
     : size(-1)
@@ -11,26 +9,15 @@ ChamberTypeData::ChamberTypeData()
 {
 }
 
-ChamberTypeData::ChamberTypeData(const ChamberTypeId& chamberTypeId,
-                                 const QString& type,
-                                 const QString& developementState,
-                                 int size,
-                                 const QString& voltage,
-                                 const QString& image,
-                                 const QString& description,
-                                 const QString& firmwareStart,
-                                 const QString& firmwareEnde,
-                                 const QString& setupKennung,
-                                 int setupVersionStart,
-                                 int setupVersionEnde,
-                                 const QString& kennungProgramme,
-                                 const QString& articleNumber,
-                                 const QString& info,
-                                 const QString& controller,
+ChamberTypeData::ChamberTypeData(const ChamberTypeId& chamberTypeId, const QString& type,
+                                 const QString& developementState, int size, const QString& voltage,
+                                 const QString& image, const QString& description, const QString& firmwareStart,
+                                 const QString& firmwareEnde, const QString& setupKennung, int setupVersionStart,
+                                 int setupVersionEnde, const QString& kennungProgramme, const QString& articleNumber,
+                                 const QString& info, const QString& controller,
                                  const QList<ChamberProtocol>& protocols,
                                  const QMap<int, ChamberSignal>& chamberSignals,
-                                 const QMap<int, ControlSignal>& controlSignals,
-                                 const QList<ChamberOption>& options,
+                                 const QMap<int, ControlSignal>& controlSignals, const QList<ChamberOption>& options,
                                  const QList<ChamberOption>& furtherOptions)
     : chamberTypeId(chamberTypeId)
     , type(type)
@@ -136,24 +123,15 @@ bool ChamberTypeData::hasAnyProtocol(std::initializer_list<int> numbers) const
 
 bool operator==(const ChamberTypeData& left, const ChamberTypeData& right)
 {
-    return left.chamberTypeId == right.chamberTypeId
-        && left.type == right.type
-        && left.developementState == right.developementState
-        && left.size == right.size
-        && left.voltage == right.voltage
-        && left.image == right.image
-        && left.description == right.description
-        && left.firmwareStart == right.firmwareStart
-        && left.firmwareEnde == right.firmwareEnde
-        && left.setupKennung == right.setupKennung
-        && left.kennungProgramme == right.kennungProgramme
-        && left.articleNumber == right.articleNumber
-        && left.info == right.info
-        && left.controller == right.controller
-        && left.chamberSignals == right.chamberSignals
-        && left.controlSignals == right.controlSignals
-        && left.options == right.options
-        && left.furtherOptions == right.furtherOptions;
+    return left.chamberTypeId == right.chamberTypeId && left.type == right.type
+           && left.developementState == right.developementState && left.size == right.size
+           && left.voltage == right.voltage && left.image == right.image && left.description == right.description
+           && left.firmwareStart == right.firmwareStart && left.firmwareEnde == right.firmwareEnde
+           && left.setupKennung == right.setupKennung && left.kennungProgramme == right.kennungProgramme
+           && left.articleNumber == right.articleNumber && left.info == right.info
+           && left.controller == right.controller && left.chamberSignals == right.chamberSignals
+           && left.controlSignals == right.controlSignals && left.options == right.options
+           && left.furtherOptions == right.furtherOptions;
 }
 
 bool operator!=(const ChamberTypeData& left, const ChamberTypeData& right)
@@ -161,6 +139,4 @@ bool operator!=(const ChamberTypeData& left, const ChamberTypeData& right)
     return !(left == right);
 }
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

@@ -12,9 +12,7 @@
 
 #include <initializer_list>
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 // One chamber type with everything that belongs to it. The predicates are decided
 // by fixed option names, protocol numbers, controller names and signal names,
@@ -24,26 +22,13 @@ class ChamberTypeData
 public:
     // Id (0, 0), empty texts, -1 for the numbers, empty containers.
     ChamberTypeData();
-    ChamberTypeData(const ChamberTypeId& chamberTypeId,
-                    const QString& type,
-                    const QString& developementState,
-                    int size,
-                    const QString& voltage,
-                    const QString& image,
-                    const QString& description,
-                    const QString& firmwareStart,
-                    const QString& firmwareEnde,
-                    const QString& setupKennung,
-                    int setupVersionStart,
-                    int setupVersionEnde,
-                    const QString& kennungProgramme,
-                    const QString& articleNumber,
-                    const QString& info,
-                    const QString& controller,
-                    const QList<ChamberProtocol>& protocols,
-                    const QMap<int, ChamberSignal>& chamberSignals,
-                    const QMap<int, ControlSignal>& controlSignals,
-                    const QList<ChamberOption>& options,
+    ChamberTypeData(const ChamberTypeId& chamberTypeId, const QString& type, const QString& developementState, int size,
+                    const QString& voltage, const QString& image, const QString& description,
+                    const QString& firmwareStart, const QString& firmwareEnde, const QString& setupKennung,
+                    int setupVersionStart, int setupVersionEnde, const QString& kennungProgramme,
+                    const QString& articleNumber, const QString& info, const QString& controller,
+                    const QList<ChamberProtocol>& protocols, const QMap<int, ChamberSignal>& chamberSignals,
+                    const QMap<int, ControlSignal>& controlSignals, const QList<ChamberOption>& options,
                     const QList<ChamberOption>& furtherOptions);
 
     // "type size state", leaving out a size below 1 and an empty state; empty
@@ -91,6 +76,4 @@ private:
 bool operator==(const ChamberTypeData& left, const ChamberTypeData& right);
 bool operator!=(const ChamberTypeData& left, const ChamberTypeData& right);
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

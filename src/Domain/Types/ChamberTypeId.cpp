@@ -1,8 +1,6 @@
 #include "Domain/Types/ChamberTypeId.h"
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 ChamberTypeId::ChamberTypeId()
     : ChamberTypeId(0, 0)
@@ -25,6 +23,4 @@ bool operator!=(const ChamberTypeId& left, const ChamberTypeId& right)
     return !(left == right);
 }
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

@@ -2,9 +2,7 @@
 
 #include <QtGlobal>
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 // One orderable variant of a chamber model: the "chamber_type" row and the
 // "additional_info" row (0 when the type has none).
@@ -21,6 +19,4 @@ public:
 bool operator==(const ChamberTypeId& left, const ChamberTypeId& right);
 bool operator!=(const ChamberTypeId& left, const ChamberTypeId& right);
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

@@ -1,8 +1,6 @@
 #include "Domain/Types/ControlSignal.h"
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 namespace {
 
@@ -34,12 +32,8 @@ ControlSignal::ControlSignal()
 {
 }
 
-ControlSignal::ControlSignal(ControlSignalId id,
-                             const QString& name,
-                             int bitPosition,
-                             UserLevel userLevel,
-                             const ControllerAddress& read,
-                             const ControllerAddress& write)
+ControlSignal::ControlSignal(ControlSignalId id, const QString& name, int bitPosition, UserLevel userLevel,
+                             const ControllerAddress& read, const ControllerAddress& write)
     : id(id)
     , name(name)
     , bitPosition(bitPosition)
@@ -56,11 +50,8 @@ ControlSignal ControlSignal::placeholder()
 
 bool operator==(const ControlSignal& left, const ControlSignal& right)
 {
-    return left.id == right.id
-        && left.name == right.name
-        && left.bitPosition == right.bitPosition
-        && left.read == right.read
-        && left.write == right.write;
+    return left.id == right.id && left.name == right.name && left.bitPosition == right.bitPosition
+           && left.read == right.read && left.write == right.write;
 }
 
 bool operator!=(const ControlSignal& left, const ControlSignal& right)
@@ -68,6 +59,4 @@ bool operator!=(const ControlSignal& left, const ControlSignal& right)
     return !(left == right);
 }
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

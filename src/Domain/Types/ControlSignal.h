@@ -7,9 +7,7 @@
 #include <QMultiMap>
 #include <QString>
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 // One control bit or word of a controller, as a chamber type lists it.
 class ControlSignal
@@ -27,12 +25,8 @@ public:
 
     // The placeholder control signal.
     ControlSignal();
-    ControlSignal(ControlSignalId id,
-                  const QString& name,
-                  int bitPosition,
-                  UserLevel userLevel,
-                  const ControllerAddress& read,
-                  const ControllerAddress& write);
+    ControlSignal(ControlSignalId id, const QString& name, int bitPosition, UserLevel userLevel,
+                  const ControllerAddress& read, const ControllerAddress& write);
 
     // Stands for a control signal the type doesn't have: id -1, no name, no bit,
     // user level SUPERUSER, placeholder addresses.
@@ -54,6 +48,4 @@ public:
 bool operator==(const ControlSignal& left, const ControlSignal& right);
 bool operator!=(const ControlSignal& left, const ControlSignal& right);
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

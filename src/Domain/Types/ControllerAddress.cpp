@@ -1,21 +1,14 @@
 #include "Domain/Types/ControllerAddress.h"
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 ControllerAddress::ControllerAddress()
     : ControllerAddress(-1, QString(), UNKNOWN, QMetaType::UnknownType, 1, -1, QString())
 {
 }
 
-ControllerAddress::ControllerAddress(ControllerAddressId id,
-                                     const QString& address,
-                                     Access access,
-                                     QMetaType::Type type,
-                                     int arraySize,
-                                     int setPointNr,
-                                     const QString& description)
+ControllerAddress::ControllerAddress(ControllerAddressId id, const QString& address, Access access,
+                                     QMetaType::Type type, int arraySize, int setPointNr, const QString& description)
     : id(id)
     , address(address)
     , access(access)
@@ -33,13 +26,9 @@ ControllerAddress ControllerAddress::placeholder()
 
 bool operator==(const ControllerAddress& left, const ControllerAddress& right)
 {
-    return left.id == right.id
-        && left.address == right.address
-        && left.access == right.access
-        && left.type == right.type
-        && left.arraySize == right.arraySize
-        && left.setPointNr == right.setPointNr
-        && left.description == right.description;
+    return left.id == right.id && left.address == right.address && left.access == right.access
+           && left.type == right.type && left.arraySize == right.arraySize && left.setPointNr == right.setPointNr
+           && left.description == right.description;
 }
 
 bool operator!=(const ControllerAddress& left, const ControllerAddress& right)
@@ -52,6 +41,4 @@ bool operator<(const ControllerAddress& left, const ControllerAddress& right)
     return left.address < right.address;
 }
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

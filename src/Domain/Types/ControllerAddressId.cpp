@@ -1,8 +1,6 @@
 #include "Domain/Types/ControllerAddressId.h"
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 ControllerAddressId::ControllerAddressId(int id)
     : id(id)
@@ -40,6 +38,4 @@ ControllerAddressId::operator int() const
     return id;
 }
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

@@ -1,8 +1,6 @@
 #pragma once
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 // Row id of table "controller_data"; -1 means no address.
 class ControllerAddressId
@@ -24,6 +22,4 @@ public:
     int id;
 };
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

@@ -2,9 +2,7 @@
 
 #include <QMetaType>
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 // Carried by the error signals of the persistence layer; only the numbers count.
 enum DatabaseConnectionError : int {
@@ -19,8 +17,6 @@ enum DatabaseConnectionError : int {
     UNEXPECTED_RESULT = 8
 };
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types
 
 Q_DECLARE_METATYPE(zelmor::domain::types::DatabaseConnectionError)

@@ -1,20 +1,14 @@
 #include "Domain/Types/DefaultToleranceRange.h"
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 DefaultToleranceRange::DefaultToleranceRange()
     : DefaultToleranceRange(QString(), -1, -1, ToleranceRange(), -1, -1)
 {
 }
 
-DefaultToleranceRange::DefaultToleranceRange(const QString& name,
-                                             SignalId setPointSignal,
-                                             SignalId processValueSignal,
-                                             const ToleranceRange& range,
-                                             int delay1,
-                                             int delay2)
+DefaultToleranceRange::DefaultToleranceRange(const QString& name, SignalId setPointSignal, SignalId processValueSignal,
+                                             const ToleranceRange& range, int delay1, int delay2)
     : name(name)
     , setPointSignal(setPointSignal)
     , processValueSignal(processValueSignal)
@@ -36,6 +30,4 @@ bool operator!=(const DefaultToleranceRange& left, const DefaultToleranceRange& 
     return !(left == right);
 }
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

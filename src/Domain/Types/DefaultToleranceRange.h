@@ -5,9 +5,7 @@
 
 #include <QString>
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 // A named tolerance band that the catalogue suggests for a chamber type: the set
 // point, the process value it watches, the band, and the two alarm delays.
@@ -17,12 +15,8 @@ public:
     // What the catalogue gives when it has no band: empty name, no signals, an
     // invalid range, no delays.
     DefaultToleranceRange();
-    DefaultToleranceRange(const QString& name,
-                          SignalId setPointSignal,
-                          SignalId processValueSignal,
-                          const ToleranceRange& range,
-                          int delay1,
-                          int delay2);
+    DefaultToleranceRange(const QString& name, SignalId setPointSignal, SignalId processValueSignal,
+                          const ToleranceRange& range, int delay1, int delay2);
 
     QString name;
     SignalId setPointSignal;
@@ -35,6 +29,4 @@ public:
 bool operator==(const DefaultToleranceRange& left, const DefaultToleranceRange& right);
 bool operator!=(const DefaultToleranceRange& left, const DefaultToleranceRange& right);
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

@@ -1,8 +1,6 @@
 #include "Domain/Types/Int10.h"
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 Int10::Int10()
     : bytes{0, 0}
@@ -29,6 +27,4 @@ bool operator!=(const Int10& left, const Int10& right)
     return !(left == right);
 }
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

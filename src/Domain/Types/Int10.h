@@ -3,9 +3,7 @@
 #include <QMetaType>
 #include <QtGlobal>
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 // The controller's two-byte "INT10" register value. Only its meta-type number is
 // used; there is no arithmetic on it.
@@ -27,8 +25,6 @@ public:
 bool operator==(const Int10& left, const Int10& right);
 bool operator!=(const Int10& left, const Int10& right);
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types
 
 Q_DECLARE_METATYPE(zelmor::domain::types::Int10)

@@ -2,9 +2,7 @@
 
 #include <QStringList>
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 namespace {
 
@@ -60,6 +58,4 @@ bool operator!=(const MacAddress& left, const MacAddress& right)
     return !(left == right);
 }
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

@@ -3,9 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 // A hardware address as raw bytes; an invalid address is empty.
 class MacAddress
@@ -31,6 +29,4 @@ public:
 bool operator==(const MacAddress& left, const MacAddress& right);
 bool operator!=(const MacAddress& left, const MacAddress& right);
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

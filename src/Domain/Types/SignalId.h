@@ -1,12 +1,8 @@
 #pragma once
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 // Row id of table "signal"; -1 means none.
 using SignalId = int;
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

@@ -1,8 +1,6 @@
 #include "Domain/Types/ToleranceRange.h"
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 ToleranceRange::ToleranceRange()
     : type(INVALID)
@@ -108,6 +106,4 @@ bool operator!=(const ToleranceRange& left, const ToleranceRange& right)
     return !(left == right);
 }
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

@@ -2,27 +2,16 @@
 
 #include "Domain/Types/UnitValue.h"
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 // The band around a value inside which a signal counts as good. Absolute bounds
 // are the band's edges; relative bounds are distances below and above a set point.
 class ToleranceRange
 {
 public:
-    enum Type : int {
-        INVALID = 0,
-        ABSOLUTE = 1,
-        RELATIVE = 2
-    };
+    enum Type : int { INVALID = 0, ABSOLUTE = 1, RELATIVE = 2 };
 
-    enum Violation : int {
-        NO_VIOLATION = 0,
-        NOT_COMPUTABLE = 1,
-        BELOW_RANGE = 2,
-        ABOVE_RANGE = 3
-    };
+    enum Violation : int { NO_VIOLATION = 0, NOT_COMPUTABLE = 1, BELOW_RANGE = 2, ABOVE_RANGE = 3 };
 
     // INVALID, with two default bounds.
     ToleranceRange();
@@ -52,6 +41,4 @@ public:
 bool operator==(const ToleranceRange& left, const ToleranceRange& right);
 bool operator!=(const ToleranceRange& left, const ToleranceRange& right);
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

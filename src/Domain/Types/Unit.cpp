@@ -4,9 +4,7 @@
 
 #include <limits>
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 namespace {
 
@@ -120,6 +118,4 @@ bool Unit::isLight(UnitId unit)
     return units.contains(unit);
 }
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

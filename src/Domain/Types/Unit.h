@@ -6,9 +6,7 @@
 
 #include <functional>
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 // The physical units of chamber signals and the conversions between units of one
 // quantity. Static members only.
@@ -67,6 +65,4 @@ public:
     static bool isLight(UnitId unit);
 };
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

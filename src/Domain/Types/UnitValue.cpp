@@ -1,8 +1,6 @@
 #include "Domain/Types/UnitValue.h"
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 UnitValue::UnitValue()
     : unit(Unit::UNDEFINED)
@@ -81,6 +79,4 @@ bool operator>(const UnitValue& left, const UnitValue& right)
 
 QT_WARNING_POP
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

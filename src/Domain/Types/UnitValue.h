@@ -4,9 +4,7 @@
 
 #include <QVariant>
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 // A number together with its unit.
 class UnitValue
@@ -36,6 +34,4 @@ bool operator!=(const UnitValue& left, const UnitValue& right);
 bool operator<(const UnitValue& left, const UnitValue& right);
 bool operator>(const UnitValue& left, const UnitValue& right);
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

@@ -2,9 +2,7 @@
 
 #include <QObject>
 
-namespace zelmor {
-namespace domain {
-namespace types {
+namespace zelmor::domain::types {
 
 // This header carries the meta-object of the namespace. Any further enumeration
 // that is to be registered with the namespace (Q_ENUM_NS) belongs here, since a
@@ -24,6 +22,4 @@ enum UserLevel : int {
 };
 Q_ENUM_NS(UserLevel)
 
-} // namespace types
-} // namespace domain
-} // namespace zelmor
+} // namespace zelmor::domain::types

@@ -2,15 +2,13 @@
 
 #include "Tools/Simulation/SimulationValueFloat.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
-/// Carbon dioxide of a TLX chamber on its CAN-style addresses.
+// Carbon dioxide of a TLX chamber on its CAN-style addresses.
 class CanidCo2 : public SimulationValueFloat
 {
 public:
     CanidCo2();
 };
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -1,7 +1,6 @@
 #include "Tools/Simulation/CanidDoorOpen.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 CanidDoorOpen::CanidDoorOpen()
     : address(0x10010100)
@@ -21,5 +20,4 @@ QVariant CanidDoorOpen::getType(int requestedAddress)
     return read(requestedAddress);
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -4,10 +4,9 @@
 
 #include <QVariant>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
-/// The door state of a TLX chamber: a fixed word that no write changes.
+// The door state of a TLX chamber: a fixed word that no write changes.
 class CanidDoorOpen : public SimulationReader
 {
 public:
@@ -21,5 +20,4 @@ private:
     QVariant value;
 };
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

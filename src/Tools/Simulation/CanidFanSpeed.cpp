@@ -1,7 +1,6 @@
 #include "Tools/Simulation/CanidFanSpeed.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 CanidFanSpeed::CanidFanSpeed()
     : address(0x112000E1)
@@ -29,5 +28,4 @@ QVariant CanidFanSpeed::getType(int requestedAddress)
     return read(requestedAddress);
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -4,10 +4,9 @@
 
 #include <QVariant>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
-/// The fan speed of a TLX chamber: one float that a write replaces.
+// The fan speed of a TLX chamber: one float that a write replaces.
 class CanidFanSpeed : public SimulationReader
 {
 public:
@@ -22,5 +21,4 @@ private:
     QVariant value;
 };
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

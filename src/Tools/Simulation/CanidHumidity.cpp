@@ -1,12 +1,10 @@
 #include "Tools/Simulation/CanidHumidity.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 CanidHumidity::CanidHumidity()
     : SimulationValueFloat(50.0f, 23.3f, 60.0f, 0x116000C6, 0x11600083)
 {
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

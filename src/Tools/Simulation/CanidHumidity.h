@@ -2,15 +2,13 @@
 
 #include "Tools/Simulation/SimulationValueFloat.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
-/// Humidity of a TLX chamber on its CAN-style addresses.
+// Humidity of a TLX chamber on its CAN-style addresses.
 class CanidHumidity : public SimulationValueFloat
 {
 public:
     CanidHumidity();
 };
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

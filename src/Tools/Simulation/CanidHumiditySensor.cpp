@@ -1,7 +1,6 @@
 #include "Tools/Simulation/CanidHumiditySensor.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 CanidHumiditySensor::CanidHumiditySensor()
     : address(0x100C1066)
@@ -21,5 +20,4 @@ QVariant CanidHumiditySensor::getType(int requestedAddress)
     return read(requestedAddress);
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

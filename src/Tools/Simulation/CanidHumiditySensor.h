@@ -4,10 +4,9 @@
 
 #include <QVariant>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
-/// The humidity sensor state of a TLX chamber: a fixed float.
+// The humidity sensor state of a TLX chamber: a fixed float.
 class CanidHumiditySensor : public SimulationReader
 {
 public:
@@ -21,5 +20,4 @@ private:
     QVariant value;
 };
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

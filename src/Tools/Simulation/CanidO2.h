@@ -2,15 +2,13 @@
 
 #include "Tools/Simulation/SimulationValueFloat.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
-/// Oxygen of a TLX chamber on its CAN-style addresses.
+// Oxygen of a TLX chamber on its CAN-style addresses.
 class CanidO2 : public SimulationValueFloat
 {
 public:
     CanidO2();
 };
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

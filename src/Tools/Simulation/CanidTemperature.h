@@ -2,15 +2,13 @@
 
 #include "Tools/Simulation/SimulationValueFloat.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
-/// Temperature of a TLX chamber on its CAN-style addresses.
+// Temperature of a TLX chamber on its CAN-style addresses.
 class CanidTemperature : public SimulationValueFloat
 {
 public:
     CanidTemperature();
 };
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -24,8 +24,7 @@
 #include <QStandardPaths>
 #include <QTextStream>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 using base::connection::databaseconnection::DatabaseConnection;
 using domain::types::ChamberProtocol;
@@ -45,7 +44,7 @@ constexpr char kv1Controller[] = "KV1";
 constexpr char pl4Controller[] = "PL4";
 constexpr char tlxController[] = "TLX";
 // Controllers that sit on a serial line or behind a serial-to-Ethernet converter.
-constexpr char const* modbusRtuControllers[] = {"Q3", "Q3.1", "Q3.2", "Q4", "KV1", "PL4"};
+constexpr const char* modbusRtuControllers[] = {"Q3", "Q3.1", "Q3.2", "Q4", "KV1", "PL4"};
 
 // Searched for anywhere in the address text, not matched as a whole.
 constexpr char comPortPattern[] = "COM\\d:\\d+";
@@ -62,23 +61,23 @@ constexpr int manualRowIdBase = 999;
 constexpr int automaticRowIdBase = 99;
 constexpr int firstSerialNumber = 100000;
 
-bool isModbusRtuController(QString const& controller)
+bool isModbusRtuController(const QString& controller)
 {
-    for (char const* name : modbusRtuControllers) {
+    for (const char* name : modbusRtuControllers) {
         if (controller == QLatin1String(name))
             return true;
     }
     return false;
 }
 
-QSharedPointer<ChamberTypeData> copyOf(ChamberTypeData const& type)
+QSharedPointer<ChamberTypeData> copyOf(const ChamberTypeData& type)
 {
     return QSharedPointer<ChamberTypeData>::create(type);
 }
 
 // Up to 100 tunnelled chambers share one converter address; the 101st opens
 // a new converter on the address it was asked for.
-QSharedPointer<ChamberSimulation> createTunnelledChamber(ChamberTypeData const& type, QString const& ipAddress)
+QSharedPointer<ChamberSimulation> createTunnelledChamber(const ChamberTypeData& type, const QString& ipAddress)
 {
     if (currentModbusConverterIpAddress.isEmpty())
         currentModbusConverterIpAddress = ipAddress;
@@ -86,13 +85,13 @@ QSharedPointer<ChamberSimulation> createTunnelledChamber(ChamberTypeData const& 
         currentModbusConverterModbusAdr = 1;
         currentModbusConverterIpAddress = ipAddress;
     }
-    QSharedPointer<ChamberSimulation> const chamber = QSharedPointer<ModbusRtuOverTcpChamberSimulation>::create(
+    const QSharedPointer<ChamberSimulation> chamber = QSharedPointer<ModbusRtuOverTcpChamberSimulation>::create(
         copyOf(type), currentModbusConverterIpAddress, converterPort, currentModbusConverterModbusAdr);
     ++currentModbusConverterModbusAdr;
     return chamber;
 }
 
-QSharedPointer<ChamberSimulation> createChamber(ChamberTypeData const& type, QString const& ipAddress)
+QSharedPointer<ChamberSimulation> createChamber(const ChamberTypeData& type, const QString& ipAddress)
 {
     QSharedPointer<ChamberSimulation> chamber;
     if (type.controller == QLatin1String(kv2Controller)) {
@@ -105,8 +104,8 @@ QSharedPointer<ChamberSimulation> createChamber(ChamberTypeData const& type, QSt
     if (type.controller == QLatin1String(tlxController))
         chamber = QSharedPointer<TlxChamberSimulation>::create(copyOf(type), ipAddress);
     if (isModbusRtuController(type.controller)) {
-        QRegExp const comPort(QLatin1String(comPortPattern), Qt::CaseSensitive, QRegExp::RegExp);
-        QRegExp const dottedAddress(QLatin1String(dottedAddressPattern), Qt::CaseSensitive, QRegExp::RegExp);
+        const QRegExp comPort(QLatin1String(comPortPattern), Qt::CaseSensitive, QRegExp::RegExp);
+        const QRegExp dottedAddress(QLatin1String(dottedAddressPattern), Qt::CaseSensitive, QRegExp::RegExp);
         if (type.protocols.contains(domain::types::MODBUS_RTU_TUNNEL) && dottedAddress.indexIn(ipAddress) != -1) {
             chamber = createTunnelledChamber(type, ipAddress);
         } else if (type.protocols.contains(domain::types::MODBUS_RTU) && comPort.indexIn(ipAddress) != -1) {
@@ -116,7 +115,7 @@ QSharedPointer<ChamberSimulation> createChamber(ChamberTypeData const& type, QSt
     return chamber;
 }
 
-void addProgramMemory(SimulationDevice& device, ChamberTypeData const& type)
+void addProgramMemory(SimulationDevice& device, const ChamberTypeData& type)
 {
     if (!type.isProgrammable())
         return;
@@ -130,11 +129,11 @@ void addProgramMemory(SimulationDevice& device, ChamberTypeData const& type)
 
 // Process values first: a process value takes in its set point, which then
 // gets no value of its own. Set points nobody took in follow, unprinted.
-void addSignals(SimulationDevice& device, ChamberTypeData const& type)
+void addSignals(SimulationDevice& device, const ChamberTypeData& type)
 {
     QList<QString> addedNames;
     QList<ChamberSignal> deferred;
-    for (ChamberSignal const& signal : type.chamberSignals) {
+    for (const ChamberSignal& signal : type.chamberSignals) {
         if (addedNames.contains(signal.name))
             continue;
         if (signal.signalType & ~ChamberSignal::SET_POINT_PROCESS_VALUE) {
@@ -142,26 +141,26 @@ void addSignals(SimulationDevice& device, ChamberTypeData const& type)
             continue;
         }
         consoleOutput() << "Adding Signal " << signal.name << consoleEndLine;
-        QSharedPointer<SimulationSignal> const simulationSignal = QSharedPointer<SimulationSignal>::create(signal);
-        for (QString const& name : simulationSignal->getSignalNames()) {
+        const QSharedPointer<SimulationSignal> simulationSignal = QSharedPointer<SimulationSignal>::create(signal);
+        for (const QString& name : simulationSignal->getSignalNames()) {
             if (!addedNames.contains(name))
                 addedNames.append(name);
         }
         device.add(simulationSignal);
     }
-    for (ChamberSignal const& signal : deferred) {
+    for (const ChamberSignal& signal : deferred) {
         if (addedNames.contains(signal.name))
             continue;
         device.add(QSharedPointer<SimulationSignal>::create(signal));
     }
 }
 
-QSharedPointer<SimulationReader> createControlValue(ControlSignal const& controlSignal)
+QSharedPointer<SimulationReader> createControlValue(const ControlSignal& controlSignal)
 {
     bool readOk = false;
     bool writeOk = false;
-    int const readAddress = controlSignal.read.address.toInt(&readOk, 16);
-    int const writeAddress = controlSignal.write.address.toInt(&writeOk, 16);
+    const int readAddress = controlSignal.read.address.toInt(&readOk, 16);
+    const int writeAddress = controlSignal.write.address.toInt(&writeOk, 16);
     if (!readOk || !writeOk)
         return {};
     switch (controlSignal.read.type) {
@@ -171,21 +170,21 @@ QSharedPointer<SimulationReader> createControlValue(ControlSignal const& control
         return QSharedPointer<SimulationValueUInt>::create(0u, 0u, controlSignalTimeConstant, writeAddress,
                                                            readAddress);
     case QMetaType::Short:
-        return QSharedPointer<SimulationValueShort>::create(short(0), short(0), controlSignalTimeConstant,
-                                                            writeAddress, readAddress);
+        return QSharedPointer<SimulationValueShort>::create(short(0), short(0), controlSignalTimeConstant, writeAddress,
+                                                            readAddress);
     case QMetaType::UShort:
         return QSharedPointer<SimulationValueUShort>::create(static_cast<unsigned short>(0),
-                                                             static_cast<unsigned short>(0),
-                                                             controlSignalTimeConstant, writeAddress, readAddress);
+                                                             static_cast<unsigned short>(0), controlSignalTimeConstant,
+                                                             writeAddress, readAddress);
     default:
         return {};
     }
 }
 
-void addControlSignals(SimulationDevice& device, ChamberTypeData const& type)
+void addControlSignals(SimulationDevice& device, const ChamberTypeData& type)
 {
-    for (ControlSignal const& controlSignal : type.controlSignals) {
-        QSharedPointer<SimulationReader> const value = createControlValue(controlSignal);
+    for (const ControlSignal& controlSignal : type.controlSignals) {
+        const QSharedPointer<SimulationReader> value = createControlValue(controlSignal);
         if (value)
             device.add(value);
     }
@@ -193,15 +192,14 @@ void addControlSignals(SimulationDevice& device, ChamberTypeData const& type)
 
 // One INSERT for the monitoring application's table "chamber". Not escaped:
 // a quote in a type name goes through as it is.
-void writeChamberRow(QTextStream& stream, int rowId, quint64 typeId, int serialNumber, QString const& name,
-                     ChamberSimulation const& chamber)
+void writeChamberRow(QTextStream& stream, int rowId, quint64 typeId, int serialNumber, const QString& name,
+                     const ChamberSimulation& chamber)
 {
-    QString const ipAddress = chamber.getIpAddress();
-    stream << "INSERT INTO \"chamber\" VALUES(" << rowId << "," << typeId << "," << typeId << ",'666-"
-           << serialNumber << "',0,1,'" << name << "','" << ipAddress << "',NULL,'"
-           << listOfMacAdresses_.value(ipAddress) << "'," << chamber.getModbusAddress()
-           << ",NULL,NULL,NULL,NULL,NULL,";
-    int const protocolId = chamber.getProtocolId();
+    const QString ipAddress = chamber.getIpAddress();
+    stream << "INSERT INTO \"chamber\" VALUES(" << rowId << "," << typeId << "," << typeId << ",'666-" << serialNumber
+           << "',0,1,'" << name << "','" << ipAddress << "',NULL,'" << listOfMacAdresses_.value(ipAddress) << "',"
+           << chamber.getModbusAddress() << ",NULL,NULL,NULL,NULL,NULL,";
+    const int protocolId = chamber.getProtocolId();
     if (protocolId == domain::types::MODBUS_RTU_TUNNEL)
         stream << "1,0);\n";
     else
@@ -220,10 +218,10 @@ void openExtractFile(QFile& file, QTextStream& stream)
 
 } // namespace
 
-QSharedPointer<ChamberSimulation> getSimulationByChamberConfigId(ChamberTypeData const& type, QString ipAddress)
+QSharedPointer<ChamberSimulation> getSimulationByChamberConfigId(const ChamberTypeData& type, QString ipAddress)
 {
-    QSharedPointer<SimulationDevice> const device = QSharedPointer<SimulationDevice>::create();
-    QSharedPointer<ChamberSimulation> const chamber = createChamber(type, ipAddress);
+    const QSharedPointer<SimulationDevice> device = QSharedPointer<SimulationDevice>::create();
+    const QSharedPointer<ChamberSimulation> chamber = createChamber(type, ipAddress);
     if (!chamber)
         return {};
     addProgramMemory(*device, type);
@@ -236,7 +234,7 @@ QSharedPointer<ChamberSimulation> getSimulationByChamberConfigId(ChamberTypeData
 QSharedPointer<ChamberSimulation> getSimulationByChamberConfigId(DatabaseConnection& database, int id,
                                                                  QString ipAddress)
 {
-    quint64 const typeId = static_cast<quint64>(id);
+    const quint64 typeId = static_cast<quint64>(id);
     return getSimulationByChamberConfigId(database.getChamberTypeData(ChamberTypeId(typeId, typeId), true),
                                           std::move(ipAddress));
 }
@@ -244,21 +242,21 @@ QSharedPointer<ChamberSimulation> getSimulationByChamberConfigId(DatabaseConnect
 QList<QString> getAllIpAddresses(QString ipAddress)
 {
     QList<QString> addresses;
-    bool const everyAddress = ipAddress == QLatin1String("127.0.0.1");
-    quint32 const selector = QHostAddress(ipAddress).toIPv4Address();
+    const bool everyAddress = ipAddress == QLatin1String("127.0.0.1");
+    const quint32 selector = QHostAddress(ipAddress).toIPv4Address();
     QNetworkInterface::InterfaceFlags const required = QNetworkInterface::IsUp | QNetworkInterface::CanBroadcast;
-    for (QNetworkInterface const& networkInterface : QNetworkInterface::allInterfaces()) {
+    for (const QNetworkInterface& networkInterface : QNetworkInterface::allInterfaces()) {
         QNetworkInterface::InterfaceFlags const flags = networkInterface.flags();
         if ((flags & required) != required || flags.testFlag(QNetworkInterface::IsLoopBack))
             continue;
-        for (QNetworkAddressEntry const& entry : networkInterface.addressEntries()) {
+        for (const QNetworkAddressEntry& entry : networkInterface.addressEntries()) {
             if (entry.ip().protocol() != QAbstractSocket::IPv4Protocol)
                 continue;
-            quint32 const netmask = entry.netmask().toIPv4Address();
-            bool const inSubnet = (entry.ip().toIPv4Address() & netmask) == (selector & netmask);
+            const quint32 netmask = entry.netmask().toIPv4Address();
+            const bool inSubnet = (entry.ip().toIPv4Address() & netmask) == (selector & netmask);
             if (!inSubnet && !everyAddress)
                 continue;
-            QString const address = entry.ip().toString();
+            const QString address = entry.ip().toString();
             addresses.append(address);
             listOfMacAdresses_[address] = networkInterface.hardwareAddress();
         }
@@ -270,8 +268,8 @@ QList<QSharedPointer<ChamberSimulation>> createSimulations(DatabaseConnection& d
                                                            QString count, int id)
 {
     QList<QSharedPointer<ChamberSimulation>> chambers;
-    ChamberTypeData const type = database.getChamberTypeData(ChamberTypeId(static_cast<quint64>(id), 0), true);
-    QList<QString> const addresses = getAllIpAddresses(ipAddress);
+    const ChamberTypeData type = database.getChamberTypeData(ChamberTypeId(static_cast<quint64>(id), 0), true);
+    const QList<QString> addresses = getAllIpAddresses(ipAddress);
     if (addresses.isEmpty())
         return chambers;
 
@@ -279,7 +277,7 @@ QList<QSharedPointer<ChamberSimulation>> createSimulations(DatabaseConnection& d
     QTextStream stream;
     openExtractFile(file, stream);
 
-    int const wanted = count.toInt(nullptr, 10);
+    const int wanted = count.toInt(nullptr, 10);
     int rowId = manualRowIdBase;
     int serialNumber = firstSerialNumber;
     auto address = addresses.cbegin();
@@ -287,11 +285,11 @@ QList<QSharedPointer<ChamberSimulation>> createSimulations(DatabaseConnection& d
     // stay on their converter's address, so the iterator waits for the next
     // converter there.
     for (int turn = 0; turn < wanted && address != addresses.cend(); ++turn) {
-        QSharedPointer<ChamberSimulation> const chamber = getSimulationByChamberConfigId(type, *address);
+        const QSharedPointer<ChamberSimulation> chamber = getSimulationByChamberConfigId(type, *address);
         if (!chamber)
             continue;
         ++rowId;
-        QString const name = type.getQualifiedTypeName() + QStringLiteral(" at %1").arg(*address);
+        const QString name = type.getQualifiedTypeName() + QStringLiteral(" at %1").arg(*address);
         writeChamberRow(stream, rowId, type.chamberTypeId.typeId, serialNumber, name, *chamber);
         ++serialNumber;
         if (*address == chamber->getIpAddress())
@@ -307,8 +305,8 @@ QList<QSharedPointer<ChamberSimulation>> createSimulations(DatabaseConnection& d
 QList<QSharedPointer<ChamberSimulation>> createAutoSimulation(DatabaseConnection& database, QString ipAddress)
 {
     QList<QSharedPointer<ChamberSimulation>> chambers;
-    QList<ChamberTypeData> const types = database.getAllChamberTypeData(true);
-    QList<QString> const addresses = getAllIpAddresses(ipAddress);
+    const QList<ChamberTypeData> types = database.getAllChamberTypeData(true);
+    const QList<QString> addresses = getAllIpAddresses(ipAddress);
 
     QFile file;
     QTextStream stream;
@@ -318,15 +316,15 @@ QList<QSharedPointer<ChamberSimulation>> createAutoSimulation(DatabaseConnection
     int serialNumber = firstSerialNumber;
     QList<QString> seenNames;
     auto address = addresses.cbegin();
-    for (ChamberTypeData const& type : types) {
+    for (const ChamberTypeData& type : types) {
         // The stream flushes into the file as it goes out of scope.
         if (address == addresses.cend())
             return chambers;
-        QString const name = type.getQualifiedTypeName();
+        const QString name = type.getQualifiedTypeName();
         if (seenNames.contains(name))
             continue;
         seenNames.append(name);
-        QSharedPointer<ChamberSimulation> const chamber = getSimulationByChamberConfigId(type, *address);
+        const QSharedPointer<ChamberSimulation> chamber = getSimulationByChamberConfigId(type, *address);
         if (!chamber)
             continue;
         ++rowId;
@@ -342,5 +340,4 @@ QList<QSharedPointer<ChamberSimulation>> createAutoSimulation(DatabaseConnection
     return chambers;
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

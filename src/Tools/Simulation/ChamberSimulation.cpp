@@ -2,8 +2,7 @@
 
 #include "Tools/Simulation/SimulationReader.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 ChamberSimulation::ChamberSimulation(QSharedPointer<domain::types::ChamberTypeData> chamberType)
     : chamberType(std::move(chamberType))
@@ -37,5 +36,4 @@ QSharedPointer<domain::types::ChamberTypeData> ChamberSimulation::getChamberType
     return chamberType;
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -127,7 +127,7 @@ QString getUnitText(Unit::UnitId unit)
     return texts.value(unit, QStringLiteral("INVALID"));
 }
 
-QString getAccessString(ControllerAddress::Access const& access)
+QString getAccessString(const ControllerAddress::Access& access)
 {
     switch (access) {
     case ControllerAddress::READ_ONLY:
@@ -142,7 +142,7 @@ QString getAccessString(ControllerAddress::Access const& access)
     return QStringLiteral("--");
 }
 
-QString getTypeString(QMetaType::Type const& type)
+QString getTypeString(const QMetaType::Type& type)
 {
     switch (type) {
     case QMetaType::Bool:
@@ -162,7 +162,7 @@ QString getTypeString(QMetaType::Type const& type)
     }
 }
 
-QString getProtocolString(ChamberProtocol const& protocol)
+QString getProtocolString(const ChamberProtocol& protocol)
 {
     switch (protocol) {
     case MODBUS_RTU:

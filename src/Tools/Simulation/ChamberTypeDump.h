@@ -30,9 +30,9 @@ void writeDbToFile(QSharedPointer<zelmor::domain::types::ChamberTypeData>& unuse
 
 // Texts for people reading a dump; they differ from the units' own texts on purpose.
 QString getUnitText(zelmor::domain::types::Unit::UnitId unit);
-QString getAccessString(zelmor::domain::types::ControllerAddress::Access const& access);
-QString getTypeString(QMetaType::Type const& type);
-QString getProtocolString(zelmor::domain::types::ChamberProtocol const& protocol);
+QString getAccessString(const zelmor::domain::types::ControllerAddress::Access& access);
+QString getTypeString(const QMetaType::Type& type);
+QString getProtocolString(const zelmor::domain::types::ChamberProtocol& protocol);
 // "address, access, type, description".
 QString getSignalAddressInfo(QSharedPointer<zelmor::domain::types::ControllerAddress>& address);
 

@@ -5,8 +5,7 @@
 
 #include <cstdio>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 namespace {
 
@@ -39,5 +38,4 @@ QTextStream& consoleEndLine(QTextStream& stream)
     return stream;
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -2,23 +2,21 @@
 
 class QTextStream;
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
-/// The tool's console: its own text goes to standard output through this one
-/// plain stream, shared by the entry point, the fleet, the chamber servers
-/// and the responders, so that their lines keep their order.
-///
-/// The stream writes to a device that stays open for the whole run. Its
-/// device may be swapped with setDevice() (tests capture the text that way)
-/// and set back afterwards; the stream never deletes it.
-/// Only call from the thread of the event loop.
+// The tool's console: its own text goes to standard output through this one
+// plain stream, shared by the entry point, the fleet, the chamber servers
+// and the responders, so that their lines keep their order.
+//
+// The stream writes to a device that stays open for the whole run. Its
+// device may be swapped with setDevice() (tests capture the text that way)
+// and set back afterwards; the stream never deletes it.
+// Only call from the thread of the event loop.
 QTextStream& consoleOutput();
 
-/// Ends a console line the tool's way, "\r\n", and flushes, so that the line
-/// is out before the next event even when the process is ended from outside.
-/// A manipulator: consoleOutput() << "text" << consoleEndLine;
+// Ends a console line the tool's way, "\r\n", and flushes, so that the line
+// is out before the next event even when the process is ended from outside.
+// A manipulator: consoleOutput() << "text" << consoleEndLine;
 QTextStream& consoleEndLine(QTextStream& stream);
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

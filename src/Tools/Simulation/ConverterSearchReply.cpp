@@ -7,8 +7,7 @@
 #include <QTextStream>
 #include <QUdpSocket>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 namespace {
 
@@ -18,14 +17,14 @@ constexpr int reservedBytes = 22;
 
 } // namespace
 
-void answerConverterSearch(QUdpSocket& socket, QString const& macAddress)
+void answerConverterSearch(QUdpSocket& socket, const QString& macAddress)
 {
-    QNetworkDatagram const request = socket.receiveDatagram();
+    const QNetworkDatagram request = socket.receiveDatagram();
     // A wake-up without a datagram (a socket error) has nobody to answer.
     if (!request.isValid())
         return;
-    QHostAddress const sender = request.senderAddress();
-    int const senderPort = request.senderPort();
+    const QHostAddress sender = request.senderAddress();
+    const int senderPort = request.senderPort();
 
     // The place holders start at %2; arg() fills the lowest first all the same.
     consoleOutput() << QStringLiteral("UDP Request from %2:%3\r\n").arg(sender.toString(), QString::number(senderPort));
@@ -36,5 +35,4 @@ void answerConverterSearch(QUdpSocket& socket, QString const& macAddress)
     socket.writeDatagram(reply, sender, static_cast<quint16>(senderPort));
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -3,15 +3,13 @@
 class QString;
 class QUdpSocket;
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
-/// The answer of the serial-to-Ethernet converters' responders (XPort and
-/// Wut), which differ only in their port: takes one datagram from the
-/// socket, whatever it holds, prints "UDP Request from <address>:<port>" and
-/// answers the sender with 22 zero bytes followed by the six bytes of
-/// `macAddress` (28 bytes; 22 when the text is no hardware address).
-void answerConverterSearch(QUdpSocket& socket, QString const& macAddress);
+// The answer of the serial-to-Ethernet converters' responders (XPort and
+// Wut), which differ only in their port: takes one datagram from the
+// socket, whatever it holds, prints "UDP Request from <address>:<port>" and
+// answers the sender with 22 zero bytes followed by the six bytes of
+// `macAddress` (28 bytes; 22 when the text is no hardware address).
+void answerConverterSearch(QUdpSocket& socket, const QString& macAddress);
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -14,8 +14,7 @@
 #include <time.h>
 #include <unistd.h>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 namespace {
 
@@ -85,7 +84,7 @@ bool EpollEventDispatcher::processEvents(QEventLoop::ProcessEventsFlags flags)
     if (interrupted.load())
         return processed;
 
-    bool const mayBlock = flags.testFlag(QEventLoop::WaitForMoreEvents) && !wakeUpPending.load();
+    const bool mayBlock = flags.testFlag(QEventLoop::WaitForMoreEvents) && !wakeUpPending.load();
     processed = waitAndDispatch(flags, mayBlock) || processed;
 
     // What the handlers posted (a timer's deleteLater, say) goes out now,
@@ -109,22 +108,22 @@ int EpollEventDispatcher::wait(void* events, int capacity, qint64 timeoutNs)
         timespec timeout{};
         timeout.tv_sec = time_t(timeoutNs / (1000 * nsPerMs));
         timeout.tv_nsec = long(timeoutNs % (1000 * nsPerMs));
-        int const ready = epoll_pwait2(epollDescriptor, buffer, capacity, timeoutNs < 0 ? nullptr : &timeout, nullptr);
+        const int ready = epoll_pwait2(epollDescriptor, buffer, capacity, timeoutNs < 0 ? nullptr : &timeout, nullptr);
         if (ready >= 0 || errno != ENOSYS)
             return ready;
         epollWaitWithNanoseconds = false;
     }
     // Whole milliseconds, rounded up: a timer may come late, never early.
-    int const timeoutMs = timeoutNs < 0 ? -1 : int(qMin<qint64>((timeoutNs + nsPerMs - 1) / nsPerMs, INT_MAX));
+    const int timeoutMs = timeoutNs < 0 ? -1 : int(qMin<qint64>((timeoutNs + nsPerMs - 1) / nsPerMs, INT_MAX));
     return epoll_wait(epollDescriptor, buffer, capacity, timeoutMs);
 }
 
 bool EpollEventDispatcher::waitAndDispatch(QEventLoop::ProcessEventsFlags flags, bool mayBlock)
 {
-    bool const withTimers = !flags.testFlag(QEventLoop::X11ExcludeTimers);
+    const bool withTimers = !flags.testFlag(QEventLoop::X11ExcludeTimers);
     qint64 timeoutNs = 0;
     if (mayBlock && !interrupted.load()) {
-        qint64 const deadline = withTimers ? nextDeadline() : -1;
+        const qint64 deadline = withTimers ? nextDeadline() : -1;
         timeoutNs = deadline < 0 ? -1 : qMax<qint64>(0, deadline - monotonicNs());
     }
     if (timeoutNs != 0)
@@ -138,9 +137,9 @@ bool EpollEventDispatcher::waitAndDispatch(QEventLoop::ProcessEventsFlags flags,
         ready = 0; // EINTR: a signal; the caller comes round again
 
     bool processed = false;
-    bool const withSockets = !flags.testFlag(QEventLoop::ExcludeSocketNotifiers);
+    const bool withSockets = !flags.testFlag(QEventLoop::ExcludeSocketNotifiers);
     for (int index = 0; index < ready; ++index) {
-        quint64 const key = events[index].data.u64;
+        const quint64 key = events[index].data.u64;
         if (key == wakeUpKey) {
             drainWakeUps();
             processed = true;
@@ -162,17 +161,17 @@ bool EpollEventDispatcher::activateSocket(int descriptor, quint32 generation, qu
         QSocketNotifier* Watch::*notifier;
         quint32 events;
     };
-    Slot const order[] = {
+    const Slot order[] = {
         {&Watch::read, EPOLLIN | EPOLLHUP | EPOLLERR},
         {&Watch::write, EPOLLOUT | EPOLLHUP | EPOLLERR},
         {&Watch::exception, EPOLLPRI},
     };
     bool processed = false;
-    for (Slot const& kind : order) {
+    for (const Slot& kind : order) {
         if (!(events & kind.events))
             continue;
         // A handler before may have closed the descriptor or replaced its notifiers.
-        auto const watch = watches.constFind(descriptor);
+        const auto watch = watches.constFind(descriptor);
         if (watch == watches.constEnd() || watch->generation != generation)
             return processed;
         QSocketNotifier* const notifier = (*watch).*kind.notifier;
@@ -187,7 +186,7 @@ bool EpollEventDispatcher::activateSocket(int descriptor, quint32 generation, qu
 
 bool EpollEventDispatcher::activateTimers()
 {
-    qint64 const now = monotonicNs();
+    const qint64 now = monotonicNs();
     // Each timer due at this moment fires once in this pass, so that a zero
     // timer can't starve the sockets.
     QVarLengthArray<int, 32> due;
@@ -195,13 +194,13 @@ bool EpollEventDispatcher::activateTimers()
         due.append(it->second);
 
     bool processed = false;
-    for (int const timerId : due) {
+    for (const int timerId : due) {
         auto timer = timers.find(timerId);
         if (timer == timers.end() || timer->activating || timer->deadlineNs > now)
             continue;
         // Rescheduled before delivery: the handler may kill or restart it.
         removeDeadline(timerId, *timer);
-        qint64 const step = effectiveIntervalNs(timer->interval, timer->type);
+        const qint64 step = effectiveIntervalNs(timer->interval, timer->type);
         qint64 next = timer->deadlineNs + step;
         if (next <= now)
             next = now + step;
@@ -228,7 +227,7 @@ void EpollEventDispatcher::drainWakeUps()
     }
 }
 
-bool EpollEventDispatcher::updateWatch(int descriptor, Watch const& watch, bool added)
+bool EpollEventDispatcher::updateWatch(int descriptor, const Watch& watch, bool added)
 {
     epoll_event event{};
     event.events = (watch.read ? quint32(EPOLLIN) : 0u) | (watch.write ? quint32(EPOLLOUT) : 0u)
@@ -246,9 +245,9 @@ bool EpollEventDispatcher::updateWatch(int descriptor, Watch const& watch, bool 
 
 void EpollEventDispatcher::registerSocketNotifier(QSocketNotifier* notifier)
 {
-    int const descriptor = int(notifier->socket());
+    const int descriptor = int(notifier->socket());
     auto watch = watches.find(descriptor);
-    bool const added = watch == watches.end();
+    const bool added = watch == watches.end();
     if (added) {
         watch = watches.insert(descriptor, Watch());
         watch->generation = ++nextGeneration;
@@ -278,14 +277,14 @@ void EpollEventDispatcher::registerSocketNotifier(QSocketNotifier* notifier)
 
 void EpollEventDispatcher::unregisterSocketNotifier(QSocketNotifier* notifier)
 {
-    int const descriptor = int(notifier->socket());
+    const int descriptor = int(notifier->socket());
     auto watch = watches.find(descriptor);
     if (watch == watches.end())
         return;
-    QSocketNotifier** const slot = notifier->type() == QSocketNotifier::Read
-                                       ? &watch->read
-                                       : (notifier->type() == QSocketNotifier::Write ? &watch->write
-                                                                                      : &watch->exception);
+    QSocketNotifier** const slot =
+        notifier->type() == QSocketNotifier::Read
+            ? &watch->read
+            : (notifier->type() == QSocketNotifier::Write ? &watch->write : &watch->exception);
     if (*slot != notifier)
         return;
     *slot = nullptr;
@@ -305,21 +304,21 @@ void EpollEventDispatcher::registerTimer(int timerId, int interval, Qt::TimerTyp
     timer.interval = interval;
     timer.type = timerType;
     timer.deadlineNs = monotonicNs() + effectiveIntervalNs(interval, timerType);
-    auto const former = timers.constFind(timerId);
+    const auto former = timers.constFind(timerId);
     if (former != timers.constEnd())
         removeDeadline(timerId, *former);
     timers.insert(timerId, timer);
     deadlines.emplace(timer.deadlineNs, timerId);
 }
 
-void EpollEventDispatcher::removeDeadline(int timerId, Timer const& timer)
+void EpollEventDispatcher::removeDeadline(int timerId, const Timer& timer)
 {
     deadlines.erase(std::make_pair(timer.deadlineNs, timerId));
 }
 
 bool EpollEventDispatcher::unregisterTimer(int timerId)
 {
-    auto const timer = timers.find(timerId);
+    const auto timer = timers.find(timerId);
     if (timer == timers.end())
         return false;
     removeDeadline(timerId, *timer);
@@ -354,10 +353,10 @@ QList<QAbstractEventDispatcher::TimerInfo> EpollEventDispatcher::registeredTimer
 
 int EpollEventDispatcher::remainingTime(int timerId)
 {
-    auto const timer = timers.constFind(timerId);
+    const auto timer = timers.constFind(timerId);
     if (timer == timers.constEnd())
         return -1;
-    qint64 const left = qMax<qint64>(0, timer->deadlineNs - monotonicNs());
+    const qint64 left = qMax<qint64>(0, timer->deadlineNs - monotonicNs());
     return int(qMin<qint64>((left + nsPerMs - 1) / nsPerMs, INT_MAX));
 }
 
@@ -374,8 +373,8 @@ void EpollEventDispatcher::wakeUp()
     // the flag before it waits again.
     if (pthread_equal(pthread_self(), pthread_t(ownerThread)))
         return;
-    quint64 const one = 1;
-    ssize_t const written = write(wakeUpDescriptor, &one, sizeof one);
+    const quint64 one = 1;
+    const ssize_t written = write(wakeUpDescriptor, &one, sizeof one);
     Q_UNUSED(written) // only a full counter refuses, and then it is readable anyway
 }
 
@@ -385,9 +384,6 @@ void EpollEventDispatcher::interrupt()
     wakeUp();
 }
 
-void EpollEventDispatcher::flush()
-{
-}
+void EpollEventDispatcher::flush() {}
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

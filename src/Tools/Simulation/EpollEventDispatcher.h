@@ -8,24 +8,23 @@
 #include <set>
 #include <utility>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
-/// An event dispatcher for the main thread of a large fleet, on Linux epoll.
-///
-/// Qt's own dispatchers hand every socket to poll() on every wake-up, so a
-/// request costs time in proportion to the number of chambers, each of which
-/// holds a listener, a responder and a client. Here the kernel keeps the
-/// interest list, and a wake-up costs only what became ready. Timers keep
-/// Qt's promise: never earlier than asked, to the nanosecond of the
-/// monotonic clock. Posted events that handlers leave behind go out in the
-/// same pass, without another round through the kernel.
-///
-/// For a process without windows: window system events are not delivered.
-/// Install with QCoreApplication::setEventDispatcher() before the application
-/// object exists; then it serves the main thread only. wakeUp() and
-/// interrupt() may be called from any thread, everything else only from the
-/// thread that runs it.
+// An event dispatcher for the main thread of a large fleet, on Linux epoll.
+//
+// Qt's own dispatchers hand every socket to poll() on every wake-up, so a
+// request costs time in proportion to the number of chambers, each of which
+// holds a listener, a responder and a client. Here the kernel keeps the
+// interest list, and a wake-up costs only what became ready. Timers keep
+// Qt's promise: never earlier than asked, to the nanosecond of the
+// monotonic clock. Posted events that handlers leave behind go out in the
+// same pass, without another round through the kernel.
+//
+// For a process without windows: window system events are not delivered.
+// Install with QCoreApplication::setEventDispatcher() before the application
+// object exists; then it serves the main thread only. wakeUp() and
+// interrupt() may be called from any thread, everything else only from the
+// thread that runs it.
 class EpollEventDispatcher : public QAbstractEventDispatcher
 {
     Q_OBJECT
@@ -34,8 +33,8 @@ public:
     explicit EpollEventDispatcher(QObject* parent = nullptr);
     ~EpollEventDispatcher() override;
 
-    /// False when the kernel refused the epoll or eventfd descriptors; such a
-    /// dispatcher must not be installed.
+    // False when the kernel refused the epoll or eventfd descriptors; such a
+    // dispatcher must not be installed.
     bool isValid() const;
 
     bool processEvents(QEventLoop::ProcessEventsFlags flags) override;
@@ -73,8 +72,8 @@ private:
         bool activating = false;
     };
 
-    bool updateWatch(int descriptor, Watch const& watch, bool added);
-    void removeDeadline(int timerId, Timer const& timer);
+    bool updateWatch(int descriptor, const Watch& watch, bool added);
+    void removeDeadline(int timerId, const Timer& timer);
     qint64 nextDeadline() const;
     bool waitAndDispatch(QEventLoop::ProcessEventsFlags flags, bool mayBlock);
     int wait(void* events, int capacity, qint64 timeoutNs);
@@ -95,5 +94,4 @@ private:
     unsigned long ownerThread = 0;
 };
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -2,8 +2,7 @@
 
 #include <QMetaType>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 namespace {
 
@@ -29,28 +28,18 @@ struct CellBlock
 
 // A 32-bit cell takes two controller addresses, hence the steps of 2.
 const CellBlock cellBlocks_[] = {
-    {4204, 1, 1, QMetaType::UShort},
-    {4205, 3, 1, QMetaType::UChar},
-    {4231, 5, 2, QMetaType::UInt},
-    {5465, 1, 1, QMetaType::UChar},
-    {6656, 2, 1, QMetaType::UShort},
-    {6658, 1, 1, QMetaType::Short},
-    {6659, 2, 1, QMetaType::SChar},
-    {6661, 1, 1, QMetaType::UChar},
-    {6662, 1, 1, QMetaType::SChar},
-    {6663, 4, 2, QMetaType::Float},
-    {6671, 1, 1, QMetaType::UInt},
-    {6673, 4, 1, QMetaType::UChar},
-    {6690, 3, 1, QMetaType::UShort},
-    {6693, 2, 2, QMetaType::UInt},
-    {6697, 1, 1, QMetaType::UShort},
+    {4204, 1, 1, QMetaType::UShort}, {4205, 3, 1, QMetaType::UChar},  {4231, 5, 2, QMetaType::UInt},
+    {5465, 1, 1, QMetaType::UChar},  {6656, 2, 1, QMetaType::UShort}, {6658, 1, 1, QMetaType::Short},
+    {6659, 2, 1, QMetaType::SChar},  {6661, 1, 1, QMetaType::UChar},  {6662, 1, 1, QMetaType::SChar},
+    {6663, 4, 2, QMetaType::Float},  {6671, 1, 1, QMetaType::UInt},   {6673, 4, 1, QMetaType::UChar},
+    {6690, 3, 1, QMetaType::UShort}, {6693, 2, 2, QMetaType::UInt},   {6697, 1, 1, QMetaType::UShort},
 };
 
 } // namespace
 
 Kv1ProgramOption::Kv1ProgramOption()
 {
-    for (auto const& block : cellBlocks_) {
+    for (const auto& block : cellBlocks_) {
         for (int i = 0; i < block.count; ++i)
             cells.insert(block.first + i * block.step, QVariant(block.type, nullptr));
     }
@@ -82,5 +71,4 @@ bool Kv1ProgramOption::write(int address, QVariant value)
     return true;
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

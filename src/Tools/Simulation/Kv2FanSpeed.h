@@ -2,15 +2,13 @@
 
 #include "Tools/Simulation/SimulationValueFloat.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
-/// Fan speed of a KV2 controller: set point and process value, no mirror.
+// Fan speed of a KV2 controller: set point and process value, no mirror.
 class Kv2FanSpeed : public SimulationValueFloat
 {
 public:
     Kv2FanSpeed();
 };
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -2,14 +2,11 @@
 
 #include "Tools/Simulation/SimulationDevice.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
-/// The digital functions of a KV2 controller: an empty composite that the
-/// functions of a hand-built chamber are added to.
+// The digital functions of a KV2 controller: an empty composite that the
+// functions of a hand-built chamber are added to.
 class Kv2Functions : public SimulationDevice
-{
-};
+{};
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -3,8 +3,7 @@
 #include "Tools/Simulation/SimulationValueDuplicator.h"
 #include "Tools/Simulation/SimulationValueFloat.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 namespace {
 
@@ -16,10 +15,9 @@ const int mirrorAddress_ = 4276;
 
 Kv2Humidity::Kv2Humidity()
 {
-    auto const value = QSharedPointer<SimulationValueFloat>::create(50.0f, 60.0f, 600.0f, setAddress_, currentAddress_);
+    const auto value = QSharedPointer<SimulationValueFloat>::create(50.0f, 60.0f, 600.0f, setAddress_, currentAddress_);
     add(value);
     add(QSharedPointer<SimulationValueDuplicator>::create(value, mirrorAddress_, setAddress_));
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -4,8 +4,7 @@
 #include <QStringList>
 #include <QTimerEvent>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 namespace {
 
@@ -32,30 +31,29 @@ const quint32 unknownRunTime_ = 2222;
 const quint32 countdownSeconds_ = 100;
 const int countdownIntervalMs_ = 1000;
 
-QStringList const& getProgramNames()
+const QStringList& getProgramNames()
 {
     static const QStringList programNames = {
-        QStringLiteral("Andromeda Galaxy"), QStringLiteral("Antennae Galaxies"),
-        QStringLiteral("Black Eye Galaxy"), QStringLiteral("Bode's Galaxy"),
+        QStringLiteral("Andromeda Galaxy"),   QStringLiteral("Antennae Galaxies"),
+        QStringLiteral("Black Eye Galaxy"),   QStringLiteral("Bode's Galaxy"),
         QStringLiteral("Butterfly Galaxies"), QStringLiteral("Cartwheel Galaxy"),
-        QStringLiteral("Cigar Galaxy"), QStringLiteral("Circinus Galaxy"),
-        QStringLiteral("Comet Galaxy"), QStringLiteral("Cosmos Redshift 7"),
-        QStringLiteral("Hoag's Object"), QStringLiteral("Large Magellanic Cloud"),
-        QStringLiteral("Mice Galaxies"), QStringLiteral("Small Magellanic Cloud"),
-        QStringLiteral("Mayall's Object"), QStringLiteral("Milky Way"),
-        QStringLiteral("Pinwheel Galaxy"), QStringLiteral("Sombrero Galaxy"),
-        QStringLiteral("Sunflower Galaxy"), QStringLiteral("Tadpole Galaxy"),
+        QStringLiteral("Cigar Galaxy"),       QStringLiteral("Circinus Galaxy"),
+        QStringLiteral("Comet Galaxy"),       QStringLiteral("Cosmos Redshift 7"),
+        QStringLiteral("Hoag's Object"),      QStringLiteral("Large Magellanic Cloud"),
+        QStringLiteral("Mice Galaxies"),      QStringLiteral("Small Magellanic Cloud"),
+        QStringLiteral("Mayall's Object"),    QStringLiteral("Milky Way"),
+        QStringLiteral("Pinwheel Galaxy"),    QStringLiteral("Sombrero Galaxy"),
+        QStringLiteral("Sunflower Galaxy"),   QStringLiteral("Tadpole Galaxy"),
         QStringLiteral("Whirlpool Galaxy"),
     };
     return programNames;
 }
 
-QList<int> const& getLaufzeiten()
+const QList<int>& getLaufzeiten()
 {
     static const QList<int> laufzeiten = {
-        1000, 3000, 555, 4444, 788, 32243, 673455, 62345, 234, 4, 23,
-        5253, 62346, 6, 23452, 342, 2334, 2166, 4245, 2345, 2558, 364,
-        369, 1255, 4775, 2514, 784, 6541, 124, 314, 20,
+        1000, 3000, 555,  4444, 788,  32243, 673455, 62345, 234,  4,    23,  5253, 62346, 6,   23452, 342,
+        2334, 2166, 4245, 2345, 2558, 364,   369,    1255,  4775, 2514, 784, 6541, 124,   314, 20,
     };
     return laufzeiten;
 }
@@ -74,7 +72,7 @@ QVariant uintValue(quint32 value)
 
 Kv2ProgramOption::Kv2ProgramOption()
 {
-    auto const addCell = [this](int address, QMetaType::Type type) {
+    const auto addCell = [this](int address, QMetaType::Type type) {
         cells.insert(address, qMakePair(type, QVariant(type, nullptr)));
     };
     for (int address = 4416; address <= ProgramToStartRegister; ++address)
@@ -113,7 +111,7 @@ QVariant Kv2ProgramOption::read(int address)
     default:
         break;
     }
-    auto const cell = cells.constFind(address);
+    const auto cell = cells.constFind(address);
     if (cell == cells.constEnd())
         return QVariant();
     return cell->second;
@@ -140,7 +138,7 @@ bool Kv2ProgramOption::write(int address, QVariant value)
         break;
     }
     // The other computed registers are read-only and have no cell behind them.
-    auto const cell = cells.find(address);
+    const auto cell = cells.find(address);
     if (cell == cells.end())
         return false;
     cell->second = value;
@@ -165,11 +163,11 @@ void Kv2ProgramOption::timerEvent(QTimerEvent* event)
 
 void Kv2ProgramOption::startProgram()
 {
-    int const program = cells.value(ProgramToStartRegister).second.toInt();
+    const int program = cells.value(ProgramToStartRegister).second.toInt();
     programState = stateRunning_;
     // Only the low 16 bits count, so a cell of all ones wraps to program 0.
     runningProgram = static_cast<quint16>(static_cast<quint32>(program) + 1u);
-    QList<int> const& laufzeiten = getLaufzeiten();
+    const QList<int>& laufzeiten = getLaufzeiten();
     if (runningProgram < laufzeiten.size())
         programRunTime = static_cast<quint32>(laufzeiten.at(runningProgram));
     else
@@ -193,11 +191,10 @@ void Kv2ProgramOption::stopProgram()
 
 QString Kv2ProgramOption::getProgramName() const
 {
-    QStringList const& programNames = getProgramNames();
+    const QStringList& programNames = getProgramNames();
     if (selectedProgram < programNames.size())
         return programNames.at(selectedProgram);
     return QStringLiteral("Not defined %1").arg(selectedProgram);
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

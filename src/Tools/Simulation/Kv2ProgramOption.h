@@ -10,13 +10,12 @@
 
 class QTimerEvent;
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
-/// Program and option memory of a KV2 controller. A start command makes the
-/// running-program registers jump, and a 1000 ms timer counts the remaining
-/// time down to 0, where the program ends by itself. Everything else is a
-/// fixed register or a cell that reads back what was written.
+// Program and option memory of a KV2 controller. A start command makes the
+// running-program registers jump, and a 1000 ms timer counts the remaining
+// time down to 0, where the program ends by itself. Everything else is a
+// fixed register or a cell that reads back what was written.
 class Kv2ProgramOption : public QObject, public SimulationReader
 {
     Q_OBJECT
@@ -28,7 +27,7 @@ public:
     bool write(int address, QVariant value) override;
 
 protected:
-    /// One second of the running program.
+    // One second of the running program.
     void timerEvent(QTimerEvent* event) override;
 
 private:
@@ -50,5 +49,4 @@ private:
     int timerId = -1;
 };
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -3,8 +3,7 @@
 #include "Tools/Simulation/SimulationValueDuplicator.h"
 #include "Tools/Simulation/SimulationValueFloat.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 namespace {
 
@@ -16,10 +15,10 @@ const int mirrorAddress_ = 4274;
 
 Kv2Temperature::Kv2Temperature()
 {
-    auto const value = QSharedPointer<SimulationValueFloat>::create(266.0f, 256.0f, 600.0f, setAddress_, currentAddress_);
+    const auto value =
+        QSharedPointer<SimulationValueFloat>::create(266.0f, 256.0f, 600.0f, setAddress_, currentAddress_);
     add(value);
     add(QSharedPointer<SimulationValueDuplicator>::create(value, mirrorAddress_, setAddress_));
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -4,15 +4,14 @@
 
 #include <QVector>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 QVariant ListOfTimeTags::read(int address, long long seconds) const
 {
     // The tags are taken to stand in ascending order: the first later tag
     // cuts off everything behind it, even tags with earlier times.
     QVector<QVariant> candidates;
-    for (auto const& tag : *this) {
+    for (const auto& tag : *this) {
         if (tag->get() > seconds)
             break;
         candidates.append(tag->read(address));
@@ -24,5 +23,4 @@ QVariant ListOfTimeTags::read(int address, long long seconds) const
     return QVariant(0.0f);
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -9,8 +9,7 @@
 
 #include <cstring>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 namespace {
 
@@ -27,13 +26,13 @@ quint16 lowWordOf(float value)
 } // namespace
 
 ModbusChamberSimulation::ModbusChamberSimulation(QSharedPointer<domain::types::ChamberTypeData> chamberType,
-                                                 QString const& connection)
+                                                 const QString& connection)
     : ChamberSimulation(std::move(chamberType))
     // No parent: the chamber owns it and deletes it with itself.
     , device(new QModbusRtuSerialSlave)
     , timer(0)
 {
-    QStringList const parts = connection.split(QLatin1Char(':'));
+    const QStringList parts = connection.split(QLatin1Char(':'));
     device->setConnectionParameter(QModbusDevice::SerialPortNameParameter, parts.value(0));
     device->setConnectionParameter(QModbusDevice::SerialParityParameter, QSerialPort::NoParity);
     device->setConnectionParameter(QModbusDevice::SerialBaudRateParameter, baudRate_);
@@ -88,18 +87,18 @@ void ModbusChamberSimulation::timerEvent(QTimerEvent*)
         return;
     // Qt signals dataWritten for every change of a table, ours too; only a
     // client's write is to go back to the reader.
-    QSignalBlocker const copying(device);
+    const QSignalBlocker copying(device);
     int address = 0;
     while (address < tableSize_) {
-        QVariant const value = simulationReader->read(address);
-        auto const at = static_cast<quint16>(address);
+        const QVariant value = simulationReader->read(address);
+        const auto at = static_cast<quint16>(address);
         switch (static_cast<int>(value.type())) {
         case QMetaType::Int:
         case QMetaType::Float: {
             // Both registers of a 32-bit value get its low word; the serial
             // clients of these chambers expect it so. At register 31 the
             // second falls outside the table and is dropped.
-            quint16 const word = value.type() == QVariant::Int ? static_cast<quint16>(value.toInt() & wordMask)
+            const quint16 word = value.type() == QVariant::Int ? static_cast<quint16>(value.toInt() & wordMask)
                                                                : lowWordOf(value.toFloat());
             device->setData(QModbusDataUnit::InputRegisters, at, word);
             device->setData(QModbusDataUnit::InputRegisters, static_cast<quint16>(address + 1), word);
@@ -121,8 +120,8 @@ void ModbusChamberSimulation::dataWritten(QModbusDataUnit::RegisterType table, i
 {
     if (!simulationReader)
         return;
-    QVariant const value = simulationReader->read(address);
-    auto const at = static_cast<quint16>(address);
+    const QVariant value = simulationReader->read(address);
+    const auto at = static_cast<quint16>(address);
     switch (static_cast<int>(value.type())) {
     case QMetaType::Int:
     case QMetaType::Float: {
@@ -149,5 +148,4 @@ void ModbusChamberSimulation::dataWritten(QModbusDataUnit::RegisterType table, i
     }
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -6,8 +6,7 @@
 
 #include <array>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 namespace {
 
@@ -30,7 +29,7 @@ constexpr std::array<quint16, 256> crcTable = makeCrcTable();
 
 } // namespace
 
-ModbusOverTcpServer::ModbusOverTcpServer(QString const& address, int port)
+ModbusOverTcpServer::ModbusOverTcpServer(const QString& address, int port)
     : server(new QTcpServer)
 {
     server->listen(QHostAddress(address), static_cast<quint16>(port));
@@ -39,18 +38,18 @@ ModbusOverTcpServer::ModbusOverTcpServer(QString const& address, int port)
 
 ModbusOverTcpServer::~ModbusOverTcpServer() = default;
 
-void ModbusOverTcpServer::write(QByteArray const& data)
+void ModbusOverTcpServer::write(const QByteArray& data)
 {
     if (sendingSocket)
         sendingSocket->write(data);
 }
 
-QByteArray ModbusOverTcpServer::calcCrc(QByteArray const& data)
+QByteArray ModbusOverTcpServer::calcCrc(const QByteArray& data)
 {
     quint16 crc = crcInitial;
-    for (char const byte : data)
+    for (const char byte : data)
         crc = quint16((crc >> 8) ^ crcTable[(crc ^ quint8(byte)) & 0xFFu]);
-    char const bytes[] = {char(crc & 0xFFu), char(crc >> 8)};
+    const char bytes[] = {char(crc & 0xFFu), char(crc >> 8)};
     return QByteArray(bytes, crcSize_);
 }
 
@@ -69,7 +68,7 @@ void ModbusOverTcpServer::newDataAvailable()
     sendingSocket = qobject_cast<QTcpSocket*>(sender());
     if (!sendingSocket)
         return;
-    QByteArray const data = sendingSocket->readAll();
+    const QByteArray data = sendingSocket->readAll();
     if (data.size() >= minimumFrameSize_) {
         // Computed and not compared: a frame with a wrong CRC goes on like a good one.
         calcCrc(data.left(data.size() - crcSize_));
@@ -78,5 +77,4 @@ void ModbusOverTcpServer::newDataAvailable()
     sendingSocket = nullptr;
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

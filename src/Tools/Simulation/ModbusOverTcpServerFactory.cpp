@@ -6,8 +6,7 @@
 
 #include <QHostAddress>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 ModbusOverTcpServerFactory::ModbusOverTcpServerFactory() = default;
 
@@ -25,15 +24,15 @@ ModbusOverTcpServerFactory& ModbusOverTcpServerFactory::getInstance()
     return instance;
 }
 
-ModbusOverTcpServer* ModbusOverTcpServerFactory::create(QString const& address, int port)
+ModbusOverTcpServer* ModbusOverTcpServerFactory::create(const QString& address, int port)
 {
     ModbusOverTcpServerFactory& factory = getInstance();
-    QPair<QString, int> const key(address, port);
+    const QPair<QString, int> key(address, port);
     if (ModbusOverTcpServer* const server = factory.servers.value(key))
         return server;
     auto* const server = new ModbusOverTcpServer(address, port);
     factory.servers.insert(key, server);
-    QHostAddress const hostAddress(address);
+    const QHostAddress hostAddress(address);
     UdpBroadCaster* const broadcaster = port == xPortConverterPort_
                                             ? static_cast<UdpBroadCaster*>(new XPortBroadcastSimulation(hostAddress))
                                             : new WutBroadcastSimulation(hostAddress);
@@ -41,5 +40,4 @@ ModbusOverTcpServer* ModbusOverTcpServerFactory::create(QString const& address, 
     return server;
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

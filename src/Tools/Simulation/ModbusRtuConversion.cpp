@@ -5,8 +5,7 @@
 
 #include <cstring>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 namespace {
 
@@ -26,26 +25,26 @@ float floatOf(quint32 bits)
 
 QByteArray bigEndian32(quint32 value)
 {
-    char const bytes[] = {char(value >> 24), char(value >> 16), char(value >> 8), char(value)};
+    const char bytes[] = {char(value >> 24), char(value >> 16), char(value >> 8), char(value)};
     return QByteArray(bytes, sizeof bytes);
 }
 
 QByteArray littleEndian32(quint32 value)
 {
-    char const bytes[] = {char(value), char(value >> 8), char(value >> 16), char(value >> 24)};
+    const char bytes[] = {char(value), char(value >> 8), char(value >> 16), char(value >> 24)};
     return QByteArray(bytes, sizeof bytes);
 }
 
 // The low word first, each word high byte first: b1 b0 b3 b2.
 QByteArray swappedWords32(quint32 value)
 {
-    char const bytes[] = {char(value >> 8), char(value), char(value >> 24), char(value >> 16)};
+    const char bytes[] = {char(value >> 8), char(value), char(value >> 24), char(value >> 16)};
     return QByteArray(bytes, sizeof bytes);
 }
 
 QByteArray bigEndian16(int value)
 {
-    char const bytes[] = {char(value >> 8), char(value)};
+    const char bytes[] = {char(value >> 8), char(value)};
     return QByteArray(bytes, sizeof bytes);
 }
 
@@ -55,7 +54,7 @@ QByteArray boolean(bool value)
 }
 
 // The forms that both conversions share; `handled` tells whether the type is one of them.
-QByteArray commonForm(QVariant const& value, bool& handled)
+QByteArray commonForm(const QVariant& value, bool& handled)
 {
     handled = true;
     switch (value.userType()) {
@@ -73,14 +72,14 @@ QByteArray commonForm(QVariant const& value, bool& handled)
 }
 
 // Input bytes past the end read as 0.
-quint32 byteAt(QByteArray const& bytes, int index)
+quint32 byteAt(const QByteArray& bytes, int index)
 {
     return index < bytes.size() ? quint32(quint8(bytes.at(index))) : 0u;
 }
 
 } // namespace
 
-QByteArray convertQVariant(QVariant const& value)
+QByteArray convertQVariant(const QVariant& value)
 {
     bool handled = false;
     QByteArray bytes = commonForm(value, handled);
@@ -94,7 +93,7 @@ QByteArray convertQVariant(QVariant const& value)
     case QMetaType::Float:
         return swappedWords32(bitsOf(value.toFloat()));
     case QMetaType::QVariantList:
-        for (QVariant const& element : value.toList())
+        for (const QVariant& element : value.toList())
             bytes += convertQVariantFromList(element);
         return bytes;
     case QMetaType::QString:
@@ -104,10 +103,10 @@ QByteArray convertQVariant(QVariant const& value)
     }
 }
 
-QByteArray convertQVariantFromList(QVariant const& value)
+QByteArray convertQVariantFromList(const QVariant& value)
 {
     bool handled = false;
-    QByteArray const bytes = commonForm(value, handled);
+    const QByteArray bytes = commonForm(value, handled);
     if (handled)
         return bytes;
     switch (value.userType()) {
@@ -122,14 +121,14 @@ QByteArray convertQVariantFromList(QVariant const& value)
     }
 }
 
-QVariant convertQVariant(QByteArray const& bytes, QVariant const& example)
+QVariant convertQVariant(const QByteArray& bytes, const QVariant& example)
 {
     // The bytes by their position in the frame.
-    quint32 const p0 = byteAt(bytes, 0);
-    quint32 const p1 = byteAt(bytes, 1);
-    quint32 const p2 = byteAt(bytes, 2);
-    quint32 const p3 = byteAt(bytes, 3);
-    quint32 const bigEndian = p0 << 24 | p1 << 16 | p2 << 8 | p3;
+    const quint32 p0 = byteAt(bytes, 0);
+    const quint32 p1 = byteAt(bytes, 1);
+    const quint32 p2 = byteAt(bytes, 2);
+    const quint32 p3 = byteAt(bytes, 3);
+    const quint32 bigEndian = p0 << 24 | p1 << 16 | p2 << 8 | p3;
     switch (example.userType()) {
     case QMetaType::Bool:
         return QVariant(p1 != 0);
@@ -145,5 +144,4 @@ QVariant convertQVariant(QByteArray const& bytes, QVariant const& example)
     }
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

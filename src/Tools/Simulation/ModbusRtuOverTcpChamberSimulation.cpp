@@ -11,8 +11,7 @@
 #include <QTextStream>
 #include <QVariantList>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 namespace {
 
@@ -46,13 +45,13 @@ constexpr int loggerRecordFloats = 4;
 constexpr float loggerRecordFloat = 22.2f;
 constexpr int loggerRecordChars = 3;
 
-int byteAt(QByteArray const& data, int index)
+int byteAt(const QByteArray& data, int index)
 {
     return quint8(data.at(index));
 }
 
 // Missing bytes count as 0.
-quint32 bigEndianAt(QByteArray const& data, int index, int size)
+quint32 bigEndianAt(const QByteArray& data, int index, int size)
 {
     quint32 value = 0;
     for (int i = index; i < index + size; ++i)
@@ -62,9 +61,9 @@ quint32 bigEndianAt(QByteArray const& data, int index, int size)
 
 // What a register that the reader doesn't know answers. Built at first need
 // and never changed.
-QMap<int, QVariant> const& valueReplacements()
+const QMap<int, QVariant>& valueReplacements()
 {
-    static QMap<int, QVariant> const valueReplacements = {
+    static const QMap<int, QVariant> valueReplacements = {
         {0x0, QVariant(int(1))},
         {0x1087, QVariant(uint(4294967295u))},
         {0x1089, QVariant(uint(4294967295u))},
@@ -87,8 +86,8 @@ QMap<int, QVariant> const& valueReplacements()
 } // namespace
 
 ModbusRtuOverTcpChamberSimulation::ModbusRtuOverTcpChamberSimulation(
-    QSharedPointer<domain::types::ChamberTypeData> chamberType, QString const& ipAddress, int port,
-    int modbusAddress, QObject* parent)
+    QSharedPointer<domain::types::ChamberTypeData> chamberType, const QString& ipAddress, int port, int modbusAddress,
+    QObject* parent)
     : QObject(parent)
     , ChamberSimulation(std::move(chamberType))
     , converter(ModbusOverTcpServerFactory::create(ipAddress, port))
@@ -108,7 +107,7 @@ ModbusRtuOverTcpChamberSimulation::~ModbusRtuOverTcpChamberSimulation() = defaul
 
 bool ModbusRtuOverTcpChamberSimulation::start()
 {
-    QString const qualifiedTypeName = chamberType ? chamberType->getQualifiedTypeName() : QString();
+    const QString qualifiedTypeName = chamberType ? chamberType->getQualifiedTypeName() : QString();
     consoleOutput() << "Start Modbus RTU over TCP simulation " << qualifiedTypeName << " on " << ipAddress
                     << " Modbus Address: " << modbusAddress << consoleEndLine;
     return true;
@@ -134,7 +133,7 @@ int ModbusRtuOverTcpChamberSimulation::getModbusAdr() const
     return modbusAddress;
 }
 
-void ModbusRtuOverTcpChamberSimulation::dataReceived(QByteArray const& data)
+void ModbusRtuOverTcpChamberSimulation::dataReceived(const QByteArray& data)
 {
     // Every chamber of the converter runs here for every frame: the others'
     // frames must cost no more than these two tests.
@@ -159,11 +158,11 @@ void ModbusRtuOverTcpChamberSimulation::dataReceived(QByteArray const& data)
     }
 }
 
-void ModbusRtuOverTcpChamberSimulation::readRegisters(QByteArray const& request)
+void ModbusRtuOverTcpChamberSimulation::readRegisters(const QByteArray& request)
 {
     // The high byte of the quantity doesn't count.
-    int const quantity = byteAt(request, quantityLowAt);
-    int const start = int(bigEndianAt(request, registerAt, 2));
+    const int quantity = byteAt(request, quantityLowAt);
+    const int start = int(bigEndianAt(request, registerAt, 2));
     QByteArray reply = request.left(2);
     reply.append(char(quantity * 2));
 
@@ -187,9 +186,9 @@ void ModbusRtuOverTcpChamberSimulation::readRegisters(QByteArray const& request)
                         value = QVariant::fromValue(ushort(0));
                 }
             }
-            QByteArray const bytes = convertQVariant(value);
+            const QByteArray bytes = convertQVariant(value);
             reply.append(bytes.left((quantity - done) * 2));
-            int const step = bytes.size() / 2;
+            const int step = bytes.size() / 2;
             done += step;
             address += step;
             if (value.userType() == QMetaType::QString)
@@ -197,7 +196,7 @@ void ModbusRtuOverTcpChamberSimulation::readRegisters(QByteArray const& request)
         } while (done < quantity);
     }
 
-    int const size = readHeaderSize + quantity * 2;
+    const int size = readHeaderSize + quantity * 2;
     if (reply.size() < size)
         reply.append(size - reply.size(), '\0');
     reply += ModbusOverTcpServer::calcCrc(reply);
@@ -206,11 +205,12 @@ void ModbusRtuOverTcpChamberSimulation::readRegisters(QByteArray const& request)
 
 QVariant ModbusRtuOverTcpChamberSimulation::loggerRecords(int quantity)
 {
-    int const count = loggerCount != 0 ? loggerCount : quantity * 2 / loggerRecordSize;
+    const int count = loggerCount != 0 ? loggerCount : quantity * 2 / loggerRecordSize;
     QVariantList records;
     for (int record = 0; record < count; ++record) {
         records << QVariant(loggerIndex);
-        records << QVariant(uint(loggerEpoch.addSecs(qint64(loggerIndex) * loggerRecordStepSeconds).toSecsSinceEpoch()));
+        records << QVariant(
+            uint(loggerEpoch.addSecs(qint64(loggerIndex) * loggerRecordStepSeconds).toSecsSinceEpoch()));
         for (int i = 0; i < loggerRecordFloats; ++i)
             records << QVariant(loggerRecordFloat);
         for (int i = 0; i < loggerRecordChars; ++i)
@@ -221,10 +221,10 @@ QVariant ModbusRtuOverTcpChamberSimulation::loggerRecords(int quantity)
     return records;
 }
 
-void ModbusRtuOverTcpChamberSimulation::writeSingleRegister(QByteArray const& request)
+void ModbusRtuOverTcpChamberSimulation::writeSingleRegister(const QByteArray& request)
 {
-    int const address = int(bigEndianAt(request, registerAt, 2));
-    QByteArray const word = request.mid(singleValueAt, 2);
+    const int address = int(bigEndianAt(request, registerAt, 2));
+    const QByteArray word = request.mid(singleValueAt, 2);
     if (address == loggerCountRegister)
         loggerCount = ushort(bigEndianAt(word, 0, 2));
     // Refused or not, the write is echoed.
@@ -232,7 +232,7 @@ void ModbusRtuOverTcpChamberSimulation::writeSingleRegister(QByteArray const& re
     converter->write(request);
 }
 
-void ModbusRtuOverTcpChamberSimulation::writeMultipleRegisters(QByteArray const& request)
+void ModbusRtuOverTcpChamberSimulation::writeMultipleRegisters(const QByteArray& request)
 {
     QByteArray reply = request.left(writeReplyHeaderSize);
     int address = int(bigEndianAt(request, registerAt, 2));
@@ -240,7 +240,7 @@ void ModbusRtuOverTcpChamberSimulation::writeMultipleRegisters(QByteArray const&
     // Signed: a byte count of 128 or more writes nothing.
     int remaining = qint8(request.constData()[byteCountAt]);
     while (remaining > 0) {
-        QVariant const current = read(address);
+        const QVariant current = read(address);
         int size = 2;
         if (current.isValid()) {
             // A value without bytes makes no progress: see the class comment.
@@ -269,11 +269,10 @@ QVariant ModbusRtuOverTcpChamberSimulation::read(int address)
     return simulationReader ? simulationReader->read(address) : QVariant();
 }
 
-void ModbusRtuOverTcpChamberSimulation::write(int address, QVariant const& value)
+void ModbusRtuOverTcpChamberSimulation::write(int address, const QVariant& value)
 {
     if (simulationReader)
         simulationReader->write(address, value);
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

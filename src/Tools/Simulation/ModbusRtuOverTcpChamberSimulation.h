@@ -9,28 +9,27 @@
 #include <QString>
 #include <QVariant>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 class ModbusOverTcpServer;
 
-/// One slave behind a simulated serial-to-Ethernet converter: Modbus RTU
-/// frames, slave address and CRC included, through the converter's TCP port.
-///
-/// Up to 100 of these share one converter and hear every frame; each answers
-/// only to its own slave address. Functions 3 and 4 (read), 6 and 16 (write)
-/// are served by hand, straight from the reader of the base class, with a
-/// register number being the reader address. Registers of a data logger that
-/// the reader doesn't know are answered from built-in values. Nothing of a
-/// request is checked beyond its length and slave address, not even the CRC,
-/// and a request that isn't understood stays unanswered: there is no
-/// exception reply.
-///
-/// Known behaviour, kept as it is: a read makes no progress on a value with
-/// fewer than two bytes (an unknown register read with a quantity other than
-/// 2 or 4, an empty list of logger records, a Char, SChar, UChar or double
-/// value), and then repeats forever; so does a function 16 write over a
-/// value that has no bytes at all. The whole program stands still then.
+// One slave behind a simulated serial-to-Ethernet converter: Modbus RTU
+// frames, slave address and CRC included, through the converter's TCP port.
+//
+// Up to 100 of these share one converter and hear every frame; each answers
+// only to its own slave address. Functions 3 and 4 (read), 6 and 16 (write)
+// are served by hand, straight from the reader of the base class, with a
+// register number being the reader address. Registers of a data logger that
+// the reader doesn't know are answered from built-in values. Nothing of a
+// request is checked beyond its length and slave address, not even the CRC,
+// and a request that isn't understood stays unanswered: there is no
+// exception reply.
+//
+// Known behaviour, kept as it is: a read makes no progress on a value with
+// fewer than two bytes (an unknown register read with a quantity other than
+// 2 or 4, an empty list of logger records, a Char, SChar, UChar or double
+// value), and then repeats forever; so does a function 16 write over a
+// value that has no bytes at all. The whole program stands still then.
 class ModbusRtuOverTcpChamberSimulation : public QObject, public ChamberSimulation
 {
     Q_OBJECT
@@ -39,42 +38,40 @@ public:
     static constexpr int protocolId_ = 2;
     static constexpr int converterPort_ = 10001;
 
-    /// Joins (or opens) the converter on the address and port and answers
-    /// its frames from now on, before start().
+    // Joins (or opens) the converter on the address and port and answers
+    // its frames from now on, before start().
     ModbusRtuOverTcpChamberSimulation(QSharedPointer<domain::types::ChamberTypeData> chamberType,
-                                      QString const& ipAddress, int port, int modbusAddress,
-                                      QObject* parent = nullptr);
+                                      const QString& ipAddress, int port, int modbusAddress, QObject* parent = nullptr);
     ~ModbusRtuOverTcpChamberSimulation() override;
 
-    /// Prints the start line; there is nothing to start.
+    // Prints the start line; there is nothing to start.
     bool start() override;
     int getProtocolId() const override;
-    /// The converter's address: the same for all chambers behind it.
+    // The converter's address: the same for all chambers behind it.
     QString getIpAddress() const override;
     int getModbusAddress() const override;
     int getModbusAdr() const;
 
 public slots:
-    /// One frame as the converter got it. Answers through the converter's
-    /// write() before returning, or not at all.
-    void dataReceived(QByteArray const& data);
+    // One frame as the converter got it. Answers through the converter's
+    // write() before returning, or not at all.
+    void dataReceived(const QByteArray& data);
 
 private:
-    void readRegisters(QByteArray const& request);
-    void writeSingleRegister(QByteArray const& request);
-    void writeMultipleRegisters(QByteArray const& request);
+    void readRegisters(const QByteArray& request);
+    void writeSingleRegister(const QByteArray& request);
+    void writeMultipleRegisters(const QByteArray& request);
     QVariant loggerRecords(int quantity);
     QVariant read(int address);
-    void write(int address, QVariant const& value);
+    void write(int address, const QVariant& value);
 
     ModbusOverTcpServer* const converter;
-    int const modbusAddress;
-    QString const ipAddress;
+    const int modbusAddress;
+    const QString ipAddress;
     unsigned int loggerIndex = 0;
     unsigned int loggerSeconds = 0;
     unsigned short loggerCount = 0;
-    QDateTime const loggerEpoch;
+    const QDateTime loggerEpoch;
 };
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

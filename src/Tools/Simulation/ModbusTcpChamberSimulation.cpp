@@ -10,8 +10,7 @@
 
 #include <cstring>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 namespace {
 
@@ -23,7 +22,7 @@ QVector<unsigned short> lowWordFirst(quint32 value)
     return {static_cast<unsigned short>(value & wordMask), static_cast<unsigned short>(value >> wordBits)};
 }
 
-quint32 fromLowWordFirst(QVector<unsigned short> const& words)
+quint32 fromLowWordFirst(const QVector<unsigned short>& words)
 {
     return quint32(words.value(0)) | (quint32(words.value(1)) << wordBits);
 }
@@ -41,13 +40,13 @@ ModbusTcpChamberSimulation::ModbusTcpChamberSimulation(QSharedPointer<domain::ty
 }
 
 ModbusTcpChamberSimulation::ModbusTcpChamberSimulation(QSharedPointer<domain::types::ChamberTypeData> chamberType,
-                                                       QString const& ipAddress)
+                                                       const QString& ipAddress)
     : ModbusTcpChamberSimulation(std::move(chamberType), ipAddress, defaultPort_)
 {
 }
 
 ModbusTcpChamberSimulation::ModbusTcpChamberSimulation(QSharedPointer<domain::types::ChamberTypeData> chamberType,
-                                                       QString const& ipAddress, int port)
+                                                       const QString& ipAddress, int port)
     : ChamberSimulation(std::move(chamberType))
     , ipAddress(ipAddress)
     , port(port)
@@ -67,9 +66,9 @@ void ModbusTcpChamberSimulation::initClass()
 
 bool ModbusTcpChamberSimulation::start()
 {
-    QString const qualifiedTypeName = chamberType ? chamberType->getQualifiedTypeName() : QString();
-    consoleOutput() << "Start Modbus simulation " << qualifiedTypeName << " on " << ipAddress.toString() << ":"
-                    << port << consoleEndLine;
+    const QString qualifiedTypeName = chamberType ? chamberType->getQualifiedTypeName() : QString();
+    consoleOutput() << "Start Modbus simulation " << qualifiedTypeName << " on " << ipAddress.toString() << ":" << port
+                    << consoleEndLine;
     if (state() == QModbusDevice::ConnectedState)
         return true;
     return connectDevice();
@@ -85,7 +84,7 @@ QString ModbusTcpChamberSimulation::getIpAddress() const
     return ipAddress.toString();
 }
 
-QVector<unsigned short> ModbusTcpChamberSimulation::convertQVariant(QVariant const& value) const
+QVector<unsigned short> ModbusTcpChamberSimulation::convertQVariant(const QVariant& value) const
 {
     switch (value.userType()) {
     case QMetaType::Bool:
@@ -99,7 +98,7 @@ QVector<unsigned short> ModbusTcpChamberSimulation::convertQVariant(QVariant con
     case QMetaType::UShort:
         return {static_cast<unsigned short>(value.toUInt() & wordMask)};
     case QMetaType::Float: {
-        float const number = value.toFloat();
+        const float number = value.toFloat();
         quint32 bits = 0;
         std::memcpy(&bits, &number, sizeof bits);
         return lowWordFirst(bits);
@@ -109,7 +108,7 @@ QVector<unsigned short> ModbusTcpChamberSimulation::convertQVariant(QVariant con
     }
 }
 
-QVariant ModbusTcpChamberSimulation::convertQVariant(QVector<unsigned short> words, QVariant const& example) const
+QVariant ModbusTcpChamberSimulation::convertQVariant(QVector<unsigned short> words, const QVariant& example) const
 {
     switch (example.userType()) {
     case QMetaType::Bool:
@@ -121,7 +120,7 @@ QVariant ModbusTcpChamberSimulation::convertQVariant(QVector<unsigned short> wor
     case QMetaType::UShort:
         return QVariant::fromValue<unsigned short>(words.value(0));
     case QMetaType::Float: {
-        quint32 const bits = fromLowWordFirst(words);
+        const quint32 bits = fromLowWordFirst(words);
         float number = 0;
         std::memcpy(&number, &bits, sizeof number);
         return QVariant(number);
@@ -135,27 +134,28 @@ bool ModbusTcpChamberSimulation::readData(QModbusDataUnit* unit) const
 {
     if (!unit || unit->startAddress() < 0 || !simulationReader)
         return false;
-    QVector<unsigned short> const words = convertQVariant(simulationReader->read(unit->startAddress()));
+    const QVector<unsigned short> words = convertQVariant(simulationReader->read(unit->startAddress()));
     unit->setValues(QVector<quint16>(words.cbegin(), words.cend()));
     unit->setValueCount(static_cast<uint>(words.size()));
     return true;
 }
 
-bool ModbusTcpChamberSimulation::writeData(QModbusDataUnit const& unit)
+bool ModbusTcpChamberSimulation::writeData(const QModbusDataUnit& unit)
 {
     QTextStream& console = consoleOutput();
     if (!simulationReader) {
-        console << " Modbus: no valid reader" << "\r\n";
+        console << " Modbus: no valid reader"
+                << "\r\n";
         return false;
     }
-    int const address = unit.startAddress();
+    const int address = unit.startAddress();
     if (!simulationReader->read(address).isValid()) {
         console << " Modbus: no valid address " << address << "\r\n";
         return false;
     }
     // The second reading is the current value from here on.
-    QVariant const current = simulationReader->read(address);
-    QVector<unsigned short> const currentWords = convertQVariant(current);
+    const QVariant current = simulationReader->read(address);
+    const QVector<unsigned short> currentWords = convertQVariant(current);
     // One half of a 32-bit value can't be written on its own.
     if (currentWords.size() != static_cast<int>(unit.valueCount())) {
         console << " not the right number of characters received\r\n";
@@ -179,5 +179,4 @@ bool ModbusTcpChamberSimulation::writeData(QModbusDataUnit const& unit)
     return true;
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -1,7 +1,6 @@
 #include "Tools/Simulation/Pl3ProgramOption.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 QVariant Pl3ProgramOption::read(int address)
 {
@@ -16,5 +15,4 @@ bool Pl3ProgramOption::write(int address, QVariant value)
     return false;
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

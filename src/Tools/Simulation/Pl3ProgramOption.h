@@ -5,11 +5,10 @@
 #include <QMap>
 #include <QVariant>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
-/// The place of the PL3 program memory in the image family. It owns no
-/// address: every read is invalid and every write is refused.
+// The place of the PL3 program memory in the image family. It owns no
+// address: every read is invalid and every write is refused.
 class Pl3ProgramOption : public SimulationReader
 {
 public:
@@ -24,5 +23,4 @@ private:
     qint32 remainingTime = 0;
 };
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -2,8 +2,7 @@
 
 #include <QMetaType>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 namespace {
 
@@ -22,27 +21,25 @@ struct CellOffset
 
 // 32-bit values take two addresses; the upper one has no cell.
 const CellOffset headerCells_[] = {
-    {0, QMetaType::UShort}, {1, QMetaType::UShort}, {2, QMetaType::Short},
-    {3, QMetaType::UShort}, {4, QMetaType::UShort}, {5, QMetaType::UShort},
-    {6, QMetaType::UShort}, {7, QMetaType::UShort}, {8, QMetaType::UShort},
-    {9, QMetaType::Int},
+    {0, QMetaType::UShort}, {1, QMetaType::UShort}, {2, QMetaType::Short},  {3, QMetaType::UShort},
+    {4, QMetaType::UShort}, {5, QMetaType::UShort}, {6, QMetaType::UShort}, {7, QMetaType::UShort},
+    {8, QMetaType::UShort}, {9, QMetaType::Int},
 };
 
 const CellOffset sectionCells_[] = {
-    {0, QMetaType::Float}, {2, QMetaType::Float}, {4, QMetaType::Float},
-    {6, QMetaType::Float}, {8, QMetaType::UInt}, {10, QMetaType::UShort},
-    {11, QMetaType::UShort},
+    {0, QMetaType::Float}, {2, QMetaType::Float},   {4, QMetaType::Float},   {6, QMetaType::Float},
+    {8, QMetaType::UInt},  {10, QMetaType::UShort}, {11, QMetaType::UShort},
 };
 
 } // namespace
 
 Pl4ProgramOption::Pl4ProgramOption()
 {
-    for (auto const& cell : headerCells_)
+    for (const auto& cell : headerCells_)
         cells.insert(modeAddress_ + cell.offset, QVariant(cell.type, nullptr));
     for (int section = 0; section < sectionCount_; ++section) {
-        int const first = sectionTableAddress_ + section * sectionSize_;
-        for (auto const& cell : sectionCells_)
+        const int first = sectionTableAddress_ + section * sectionSize_;
+        for (const auto& cell : sectionCells_)
             cells.insert(first + cell.offset, QVariant(cell.type, nullptr));
     }
 }
@@ -54,7 +51,7 @@ QVariant Pl4ProgramOption::read(int address)
 
 bool Pl4ProgramOption::write(int address, QVariant value)
 {
-    auto const cell = cells.find(address);
+    const auto cell = cells.find(address);
     if (cell == cells.end())
         return false;
     if (address == modeAddress_)
@@ -63,5 +60,4 @@ bool Pl4ProgramOption::write(int address, QVariant value)
     return true;
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -5,19 +5,18 @@
 #include <QMap>
 #include <QVariant>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
-/// Program memory of a PL4 controller: a header and 30 section records from
-/// 44032 on, read back as written so that a program laid down by a client can
-/// be compared. Only the first header register has logic: it keeps two bits.
+// Program memory of a PL4 controller: a header and 30 section records from
+// 44032 on, read back as written so that a program laid down by a client can
+// be compared. Only the first header register has logic: it keeps two bits.
 class Pl4ProgramOption : public SimulationReader
 {
 public:
     Pl4ProgramOption();
 
     QVariant read(int address) override;
-    /// True for an address with a cell; a write never creates one.
+    // True for an address with a cell; a write never creates one.
     bool write(int address, QVariant value) override;
 
 private:
@@ -25,5 +24,4 @@ private:
     quint16 lastCommand = 0;
 };
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -7,8 +7,7 @@
 
 #include <QTextStream>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 namespace {
 
@@ -32,7 +31,7 @@ QVariant firstValue(QMetaType::Type type)
 
 // An unsigned short address first reads 32.5 (no row in firstValue) and then
 // climbs from the truncated 32; that asymmetry is how this reader behaves.
-QVariant nextValue(QMetaType::Type type, QVariant const& stored)
+QVariant nextValue(QMetaType::Type type, const QVariant& stored)
 {
     switch (type) {
     case QMetaType::Bool:
@@ -41,7 +40,7 @@ QVariant nextValue(QMetaType::Type type, QVariant const& stored)
         return stored.toInt() > rampTop ? QVariant(rampBottom) : QVariant(stored.toInt() + 1);
     case QMetaType::UShort: {
         // Truncated, not rounded as QVariant::toUInt would: 32.5 steps to 33.
-        auto const number = static_cast<unsigned int>(static_cast<qint64>(stored.toDouble()));
+        const auto number = static_cast<unsigned int>(static_cast<qint64>(stored.toDouble()));
         if (number > static_cast<unsigned int>(rampTop))
             return QVariant(rampBottom);
         return QVariant(static_cast<int>(static_cast<unsigned short>(number)) + 1);
@@ -55,7 +54,7 @@ QVariant nextValue(QMetaType::Type type, QVariant const& stored)
     }
 }
 
-void addType(QMap<int, QMetaType::Type>& types, QSharedPointer<domain::types::ControllerAddress> const& address)
+void addType(QMap<int, QMetaType::Type>& types, const QSharedPointer<domain::types::ControllerAddress>& address)
 {
     if (address)
         types.insert(address->address.toInt(nullptr, 16), address->type);
@@ -69,10 +68,10 @@ RampSimulationReader::RampSimulationReader(QSharedPointer<domain::types::Chamber
         types = getAddressTypes(*chamberType);
 }
 
-QMap<int, QMetaType::Type> RampSimulationReader::getAddressTypes(domain::types::ChamberTypeData const& chamberType)
+QMap<int, QMetaType::Type> RampSimulationReader::getAddressTypes(const domain::types::ChamberTypeData& chamberType)
 {
     QMap<int, QMetaType::Type> types;
-    for (auto const& signal : chamberType.chamberSignals) {
+    for (const auto& signal : chamberType.chamberSignals) {
         addType(types, signal.read);
         addType(types, signal.writeManual);
     }
@@ -85,8 +84,8 @@ QVariant RampSimulationReader::read(int address)
 
     // operator[] on purpose: an unknown address is remembered with type 0.
     QMetaType::Type const type = types[address];
-    auto const stored = values.constFind(address);
-    QVariant const value = stored == values.constEnd() ? firstValue(type) : nextValue(type, *stored);
+    const auto stored = values.constFind(address);
+    const QVariant value = stored == values.constEnd() ? firstValue(type) : nextValue(type, *stored);
     values.insert(address, value);
     return value;
 }
@@ -98,5 +97,4 @@ bool RampSimulationReader::write(int address, QVariant value)
     return true;
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -5,8 +5,7 @@
 
 #include <cstdlib>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 RandomSimulationReader::RandomSimulationReader(QSharedPointer<domain::types::ChamberTypeData> chamberType)
 {
@@ -16,7 +15,7 @@ RandomSimulationReader::RandomSimulationReader(QSharedPointer<domain::types::Cha
 
 QVariant RandomSimulationReader::read(int address)
 {
-    auto const type = types.constFind(address);
+    const auto type = types.constFind(address);
     if (type == types.constEnd())
         return QVariant();
 
@@ -43,5 +42,4 @@ bool RandomSimulationReader::write(int address, QVariant value)
     return true;
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -1,9 +1,8 @@
 #include "Tools/Simulation/SimulationDevice.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
-void SimulationDevice::add(QSharedPointer<SimulationReader> const& child)
+void SimulationDevice::add(const QSharedPointer<SimulationReader>& child)
 {
     children.append(child);
 }
@@ -15,11 +14,11 @@ QList<QSharedPointer<SimulationReader>> SimulationDevice::getChildren() const
 
 QVariant SimulationDevice::read(int address)
 {
-    for (auto const& child : qAsConst(children)) {
+    for (const auto& child : qAsConst(children)) {
         // A null child (a signal of a type nobody simulates) answers nothing.
         if (!child)
             continue;
-        QVariant const result = child->read(address);
+        const QVariant result = child->read(address);
         if (result.isValid())
             return result;
     }
@@ -28,7 +27,7 @@ QVariant SimulationDevice::read(int address)
 
 bool SimulationDevice::write(int address, QVariant value)
 {
-    for (auto const& child : qAsConst(children)) {
+    for (const auto& child : qAsConst(children)) {
         if (child && child->write(address, value))
             return true;
     }
@@ -37,15 +36,14 @@ bool SimulationDevice::write(int address, QVariant value)
 
 QVariant SimulationDevice::getType(int address)
 {
-    for (auto const& child : qAsConst(children)) {
+    for (const auto& child : qAsConst(children)) {
         if (!child)
             continue;
-        QVariant const result = child->getType(address);
+        const QVariant result = child->getType(address);
         if (result.isValid())
             return result;
     }
     return QVariant();
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

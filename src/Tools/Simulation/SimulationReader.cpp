@@ -1,7 +1,6 @@
 #include "Tools/Simulation/SimulationReader.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 SimulationReader::~SimulationReader() = default;
 
@@ -18,5 +17,4 @@ QVariant SimulationReader::getType(int address)
     return QVariant();
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

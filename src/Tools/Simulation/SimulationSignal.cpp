@@ -14,8 +14,7 @@
 #include <QMap>
 #include <QMetaType>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 using domain::types::ChamberSignal;
 using domain::types::ControllerAddress;
@@ -26,7 +25,7 @@ namespace {
 constexpr float unknownUnitDefault = 42.42f;
 constexpr unsigned char unsignedCharStart = 42;
 
-float lookUp(QMap<Unit::UnitId, float> const& table, Unit::UnitId unit)
+float lookUp(const QMap<Unit::UnitId, float>& table, Unit::UnitId unit)
 {
     return table.value(unit, unknownUnitDefault);
 }
@@ -34,7 +33,7 @@ float lookUp(QMap<Unit::UnitId, float> const& table, Unit::UnitId unit)
 // The three temperatures are one room temperature in three units.
 float valueDefault(Unit::UnitId unit)
 {
-    static QMap<Unit::UnitId, float> const table{
+    static const QMap<Unit::UnitId, float> table{
         {Unit::CELSIUS, 23.3f},
         {Unit::FAHRENHEIT, 90.7f},
         {Unit::KELVIN, 296.6f},
@@ -54,28 +53,29 @@ float valueDefault(Unit::UnitId unit)
     return lookUp(table, unit);
 }
 
-QSharedPointer<SimulationReader> makeValue(int type, float start, float timeConstant, int setAddress, int currentAddress)
+QSharedPointer<SimulationReader> makeValue(int type, float start, float timeConstant, int setAddress,
+                                           int currentAddress)
 {
     switch (type) {
     case QMetaType::Bool:
         return QSharedPointer<SimulationValueBool>::create(false, false, timeConstant, setAddress, currentAddress);
     case QMetaType::Int: {
-        int const value = lagarithmetic::truncateToInt(start);
+        const int value = lagarithmetic::truncateToInt(start);
         return QSharedPointer<SimulationValueInt>::create(value, value, timeConstant, setAddress, currentAddress);
     }
     case QMetaType::UInt: {
-        unsigned int const value = lagarithmetic::fromFloat<unsigned int>(start);
+        const unsigned int value = lagarithmetic::fromFloat<unsigned int>(start);
         return QSharedPointer<SimulationValueUInt>::create(value, value, timeConstant, setAddress, currentAddress);
     }
     case QMetaType::Short: // a short signal gets the unsigned class, as it always has
     case QMetaType::UShort: {
-        unsigned short const value = lagarithmetic::fromFloat<unsigned short>(start);
-        float const lag = type == QMetaType::UShort ? 0.0f : timeConstant;
+        const unsigned short value = lagarithmetic::fromFloat<unsigned short>(start);
+        const float lag = type == QMetaType::UShort ? 0.0f : timeConstant;
         return QSharedPointer<SimulationValueUShort>::create(value, value, lag, setAddress, currentAddress);
     }
     case QMetaType::UChar:
         return QSharedPointer<SimulationValueUChar>::create(unsignedCharStart, unsignedCharStart, timeConstant,
-                                                             setAddress, currentAddress);
+                                                            setAddress, currentAddress);
     case QMetaType::Float:
         return QSharedPointer<SimulationValueFloat>::create(start, start, timeConstant, setAddress, currentAddress);
     default:
@@ -85,7 +85,7 @@ QSharedPointer<SimulationReader> makeValue(int type, float start, float timeCons
 
 } // namespace
 
-SimulationSignal::SimulationSignal(ChamberSignal const& signal)
+SimulationSignal::SimulationSignal(const ChamberSignal& signal)
 {
     QList<int> writeAddresses;
     QList<int> foreignReadAddresses;
@@ -104,7 +104,7 @@ SimulationSignal::SimulationSignal(ChamberSignal const& signal)
     }
 
     if (signal.setPointSignal) {
-        ChamberSignal const& setPoint = *signal.setPointSignal;
+        const ChamberSignal& setPoint = *signal.setPointSignal;
         signalNames.append(setPoint.name);
         checkAddress(setPoint.writeAuto, writeAddresses);
         checkAddress(setPoint.writeBasic, writeAddresses);
@@ -112,12 +112,12 @@ SimulationSignal::SimulationSignal(ChamberSignal const& signal)
         checkAddress(setPoint.read, foreignReadAddresses);
     }
 
-    int const firstWriteAddress = writeAddresses.isEmpty() ? SimulationValue::noAddress_ : writeAddresses.first();
+    const int firstWriteAddress = writeAddresses.isEmpty() ? SimulationValue::noAddress_ : writeAddresses.first();
 
     // Current and set start equal, so a fresh chamber reads steady values.
-    float const start = SimulationSignal::getCurrentDefault(signal.unit);
-    QSharedPointer<SimulationReader> const value
-        = makeValue(type, start, SimulationSignal::getTimeConstantDefault(signal.unit), firstWriteAddress, readAddress);
+    const float start = SimulationSignal::getCurrentDefault(signal.unit);
+    const QSharedPointer<SimulationReader> value =
+        makeValue(type, start, SimulationSignal::getTimeConstantDefault(signal.unit), firstWriteAddress, readAddress);
     // A type nobody simulates leaves a null child; the device passes over it.
     add(value);
 
@@ -151,7 +151,7 @@ float SimulationSignal::getCurrentDefault(Unit::UnitId unit) const
 
 float SimulationSignal::getTimeConstantDefault(Unit::UnitId unit) const
 {
-    static QMap<Unit::UnitId, float> const table{
+    static const QMap<Unit::UnitId, float> table{
         {Unit::CELSIUS, 360.3f},
         {Unit::FAHRENHEIT, 360.7f},
         {Unit::KELVIN, 360.6f},
@@ -176,11 +176,10 @@ void SimulationSignal::checkAddress(QSharedPointer<ControllerAddress> address, Q
     if (!address)
         return;
     bool ok = false;
-    int const number = address->address.toInt(&ok, 16);
+    const int number = address->address.toInt(&ok, 16);
     if (!ok || addresses.contains(number))
         return;
     addresses.append(number);
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

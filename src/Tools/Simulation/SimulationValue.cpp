@@ -1,7 +1,6 @@
 #include "Tools/Simulation/SimulationValue.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 namespace {
 constexpr qint64 finestStepMs = 999;
@@ -17,15 +16,15 @@ QDateTime SimulationValue::getLastRequest() const
     return lastRequest;
 }
 
-void SimulationValue::setLastRequest(QDateTime const& lastRequest)
+void SimulationValue::setLastRequest(const QDateTime& lastRequest)
 {
     this->lastRequest = lastRequest;
 }
 
 qint64 SimulationValue::getTimeDifference()
 {
-    QDateTime const now = QDateTime::currentDateTime();
-    qint64 const difference = lastRequest.msecsTo(now);
+    const QDateTime now = QDateTime::currentDateTime();
+    const qint64 difference = lastRequest.msecsTo(now);
     if (difference > finestStepMs) {
         lastRequest = now;
         return difference;
@@ -33,5 +32,4 @@ qint64 SimulationValue::getTimeDifference()
     return 0;
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -9,8 +9,7 @@
 #include <cmath>
 #include <type_traits>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 namespace lagarithmetic {
 
@@ -34,7 +33,7 @@ float difference(T set, T current)
     return static_cast<float>(static_cast<int>(set) - static_cast<int>(current));
 }
 
-/// Truncation toward zero; outside the int range (and NaN) gives INT_MIN.
+// Truncation toward zero; outside the int range (and NaN) gives INT_MIN.
 inline int truncateToInt(float value)
 {
     if (value >= -2147483648.0f && value < 2147483648.0f)
@@ -42,9 +41,9 @@ inline int truncateToInt(float value)
     return INT_MIN;
 }
 
-/// Back from the float result of a step: narrow types keep the low bits of
-/// the int, unsigned int the low 32 bits of a 64-bit truncation, bool is
-/// true for anything but 0.0.
+// Back from the float result of a step: narrow types keep the low bits of
+// the int, unsigned int the low 32 bits of a 64-bit truncation, bool is
+// true for anything but 0.0.
 template<typename T>
 T fromFloat(float value)
 {
@@ -75,12 +74,12 @@ inline bool fromFloat<bool>(float value)
 
 } // namespace lagarithmetic
 
-/// An integer simulated value: the process value follows the set value with
-/// a first-order lag, advanced only when the process value is read or the set
-/// value written. A time constant of 0 or less makes it follow at once.
-///
-/// The set address reads and writes the set value, the current address only
-/// reads the process value. getType is a read, with the same effect on time.
+// An integer simulated value: the process value follows the set value with
+// a first-order lag, advanced only when the process value is read or the set
+// value written. A time constant of 0 or less makes it follow at once.
+//
+// The set address reads and writes the set value, the current address only
+// reads the process value. getType is a read, with the same effect on time.
 template<typename T>
 class SimulationValueBase : public SimulationValue, public SimulationReader
 {
@@ -109,7 +108,7 @@ public:
         return QVariant();
     }
 
-    /// Any value is taken: toInt, then the low bits; what doesn't convert is 0.
+    // Any value is taken: toInt, then the low bits; what doesn't convert is 0.
     bool write(int address, QVariant value) override
     {
         if (address != setAddress || address == noAddress_)
@@ -121,13 +120,10 @@ public:
         return true;
     }
 
-    QVariant getType(int address) override
-    {
-        return read(address);
-    }
+    QVariant getType(int address) override { return read(address); }
 
     T getSetValue() const { return setValue; }
-    /// The process value as it stands, without advancing it.
+    // The process value as it stands, without advancing it.
     T getCurrentValue() const { return currentValue; }
     float getTimeConstant() const { return timeConstant; }
     int getSetAddress() const { return setAddress; }
@@ -136,22 +132,22 @@ public:
 protected:
     void catchUp()
     {
-        QDateTime const before = getLastRequest();
-        qint64 const elapsedMs = getTimeDifference();
+        const QDateTime before = getLastRequest();
+        const qint64 elapsedMs = getTimeDifference();
         if (timeConstant <= 0.0f) {
             currentValue = setValue;
             return;
         }
         if (elapsedMs == 0)
             return;
-        float const seconds = static_cast<float>(elapsedMs / 1000.0);
+        const float seconds = static_cast<float>(elapsedMs / 1000.0);
         if (seconds >= 10.0f * timeConstant) {
             currentValue = setValue;
             return;
         }
-        float const fraction = 1.0f - std::exp(-seconds / timeConstant);
-        T const next = lagarithmetic::fromFloat<T>(
-            lagarithmetic::difference(setValue, currentValue) * fraction + static_cast<float>(currentValue));
+        const float fraction = 1.0f - std::exp(-seconds / timeConstant);
+        T const next = lagarithmetic::fromFloat<T>(lagarithmetic::difference(setValue, currentValue) * fraction
+                                                   + static_cast<float>(currentValue));
         if (next == currentValue) {
             // Keep the elapsed time on account until it is enough for one
             // step of T; otherwise a slow integer value read once a second
@@ -169,5 +165,4 @@ protected:
     int currentAddress;
 };
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

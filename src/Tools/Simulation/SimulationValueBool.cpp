@@ -1,7 +1,6 @@
 #include "Tools/Simulation/SimulationValueBool.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 template class SimulationValueBase<bool>;
 
@@ -10,5 +9,4 @@ SimulationValueBool::SimulationValueBool(bool current, bool set, float timeConst
 {
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

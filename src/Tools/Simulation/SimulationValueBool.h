@@ -2,18 +2,16 @@
 
 #include "Tools/Simulation/SimulationValueBase.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 extern template class SimulationValueBase<bool>;
 
-/// A digital value: it turns on at the first step with any fraction and off
-/// only when ten time constants have passed, a switch with asymmetric delay.
+// A digital value: it turns on at the first step with any fraction and off
+// only when ten time constants have passed, a switch with asymmetric delay.
 class SimulationValueBool : public SimulationValueBase<bool>
 {
 public:
     SimulationValueBool(bool current, bool set, float timeConstant, int setAddress, int currentAddress);
 };
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

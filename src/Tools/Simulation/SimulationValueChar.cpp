@@ -1,14 +1,13 @@
 #include "Tools/Simulation/SimulationValueChar.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 template class SimulationValueBase<signed char>;
 
-SimulationValueChar::SimulationValueChar(signed char current, signed char set, float timeConstant, int setAddress, int currentAddress)
+SimulationValueChar::SimulationValueChar(signed char current, signed char set, float timeConstant, int setAddress,
+                                         int currentAddress)
     : SimulationValueBase<signed char>(current, set, timeConstant, setAddress, currentAddress)
 {
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

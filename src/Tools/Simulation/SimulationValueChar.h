@@ -2,17 +2,15 @@
 
 #include "Tools/Simulation/SimulationValueBase.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 extern template class SimulationValueBase<signed char>;
 
-/// A signed 8-bit value (QMetaType::SChar); steps keep the low 8 bits.
+// A signed 8-bit value (QMetaType::SChar); steps keep the low 8 bits.
 class SimulationValueChar : public SimulationValueBase<signed char>
 {
 public:
     SimulationValueChar(signed char current, signed char set, float timeConstant, int setAddress, int currentAddress);
 };
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

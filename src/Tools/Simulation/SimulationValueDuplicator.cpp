@@ -1,9 +1,9 @@
 #include "Tools/Simulation/SimulationValueDuplicator.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
-SimulationValueDuplicator::SimulationValueDuplicator(QSharedPointer<SimulationReader> target, int aliasAddress, int targetAddress)
+SimulationValueDuplicator::SimulationValueDuplicator(QSharedPointer<SimulationReader> target, int aliasAddress,
+                                                     int targetAddress)
     : target(std::move(target))
     , aliasAddress(aliasAddress)
     , targetAddress(targetAddress)
@@ -22,5 +22,4 @@ QVariant SimulationValueDuplicator::getType(int address)
     return read(address);
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -4,11 +4,10 @@
 
 #include <QSharedPointer>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
-/// Makes one more address readable: the alias address reads the target at the
-/// target address. It takes no writes.
+// Makes one more address readable: the alias address reads the target at the
+// target address. It takes no writes.
 class SimulationValueDuplicator : public SimulationReader
 {
 public:
@@ -23,5 +22,4 @@ private:
     int targetAddress;
 };
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

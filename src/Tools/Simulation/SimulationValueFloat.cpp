@@ -1,14 +1,13 @@
 #include "Tools/Simulation/SimulationValueFloat.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 template class SimulationValueFloatBase<float>;
 
-SimulationValueFloat::SimulationValueFloat(float current, float set, float timeConstant, int setAddress, int currentAddress)
+SimulationValueFloat::SimulationValueFloat(float current, float set, float timeConstant, int setAddress,
+                                           int currentAddress)
     : SimulationValueFloatBase<float>(current, set, timeConstant, setAddress, currentAddress)
 {
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

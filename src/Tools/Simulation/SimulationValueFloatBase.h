@@ -7,16 +7,15 @@
 
 #include <cmath>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
-/// A floating-point simulated value: the process value follows the set value
-/// with a first-order lag, advanced only when the process value is read or the
-/// set value written.
-///
-/// Unlike the integer family, a time constant of 0 or less doesn't follow at
-/// once: the value lands on the set value after the first full second. And
-/// getType keeps the default, invalid at every address; servers rely on that.
+// A floating-point simulated value: the process value follows the set value
+// with a first-order lag, advanced only when the process value is read or the
+// set value written.
+//
+// Unlike the integer family, a time constant of 0 or less doesn't follow at
+// once: the value lands on the set value after the first full second. And
+// getType keeps the default, invalid at every address; servers rely on that.
 template<typename T>
 class SimulationValueFloatBase : public SimulationValue, public SimulationReader
 {
@@ -45,7 +44,7 @@ public:
         return QVariant();
     }
 
-    /// Any value is taken; what doesn't convert is 0.
+    // Any value is taken; what doesn't convert is 0.
     bool write(int address, QVariant value) override
     {
         if (address != setAddress || address == noAddress_)
@@ -58,7 +57,7 @@ public:
     }
 
     T getSetValue() const { return setValue; }
-    /// The process value as it stands, without advancing it.
+    // The process value as it stands, without advancing it.
     T getCurrentValue() const { return currentValue; }
     float getTimeConstant() const { return timeConstant; }
     int getSetAddress() const { return setAddress; }
@@ -67,17 +66,17 @@ public:
 protected:
     void catchUp()
     {
-        QDateTime const before = getLastRequest();
-        qint64 const elapsedMs = getTimeDifference();
+        const QDateTime before = getLastRequest();
+        const qint64 elapsedMs = getTimeDifference();
         if (elapsedMs == 0)
             return;
-        float const seconds = static_cast<float>(elapsedMs / 1000.0);
+        const float seconds = static_cast<float>(elapsedMs / 1000.0);
         // Ten time constants count as arrived.
         if (seconds >= 10.0f * timeConstant) {
             currentValue = setValue;
             return;
         }
-        float const fraction = 1.0f - std::exp(-seconds / timeConstant);
+        const float fraction = 1.0f - std::exp(-seconds / timeConstant);
         T const next = (setValue - currentValue) * fraction + currentValue;
         if (next == currentValue) {
             // A value at rest keeps its time on account (see the integer family).
@@ -94,5 +93,4 @@ protected:
     int currentAddress;
 };
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -1,7 +1,6 @@
 #include "Tools/Simulation/SimulationValueInt.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 template class SimulationValueBase<int>;
 
@@ -10,5 +9,4 @@ SimulationValueInt::SimulationValueInt(int current, int set, float timeConstant,
 {
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -2,17 +2,15 @@
 
 #include "Tools/Simulation/SimulationValueBase.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 extern template class SimulationValueBase<int>;
 
-/// A signed 32-bit value; a step outside the int range gives INT_MIN.
+// A signed 32-bit value; a step outside the int range gives INT_MIN.
 class SimulationValueInt : public SimulationValueBase<int>
 {
 public:
     SimulationValueInt(int current, int set, float timeConstant, int setAddress, int currentAddress);
 };
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

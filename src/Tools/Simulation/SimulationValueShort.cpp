@@ -1,14 +1,13 @@
 #include "Tools/Simulation/SimulationValueShort.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 template class SimulationValueBase<short>;
 
-SimulationValueShort::SimulationValueShort(short current, short set, float timeConstant, int setAddress, int currentAddress)
+SimulationValueShort::SimulationValueShort(short current, short set, float timeConstant, int setAddress,
+                                           int currentAddress)
     : SimulationValueBase<short>(current, set, timeConstant, setAddress, currentAddress)
 {
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -2,17 +2,15 @@
 
 #include "Tools/Simulation/SimulationValueBase.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 extern template class SimulationValueBase<short>;
 
-/// A signed 16-bit value; steps keep the low 16 bits.
+// A signed 16-bit value; steps keep the low 16 bits.
 class SimulationValueShort : public SimulationValueBase<short>
 {
 public:
     SimulationValueShort(short current, short set, float timeConstant, int setAddress, int currentAddress);
 };
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -1,14 +1,13 @@
 #include "Tools/Simulation/SimulationValueUChar.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 template class SimulationValueBase<unsigned char>;
 
-SimulationValueUChar::SimulationValueUChar(unsigned char current, unsigned char set, float timeConstant, int setAddress, int currentAddress)
+SimulationValueUChar::SimulationValueUChar(unsigned char current, unsigned char set, float timeConstant, int setAddress,
+                                           int currentAddress)
     : SimulationValueBase<unsigned char>(current, set, timeConstant, setAddress, currentAddress)
 {
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

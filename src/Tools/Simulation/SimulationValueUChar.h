@@ -2,17 +2,16 @@
 
 #include "Tools/Simulation/SimulationValueBase.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 extern template class SimulationValueBase<unsigned char>;
 
-/// An unsigned 8-bit value; steps keep the low 8 bits.
+// An unsigned 8-bit value; steps keep the low 8 bits.
 class SimulationValueUChar : public SimulationValueBase<unsigned char>
 {
 public:
-    SimulationValueUChar(unsigned char current, unsigned char set, float timeConstant, int setAddress, int currentAddress);
+    SimulationValueUChar(unsigned char current, unsigned char set, float timeConstant, int setAddress,
+                         int currentAddress);
 };
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -1,14 +1,13 @@
 #include "Tools/Simulation/SimulationValueUInt.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 template class SimulationValueBase<unsigned int>;
 
-SimulationValueUInt::SimulationValueUInt(unsigned int current, unsigned int set, float timeConstant, int setAddress, int currentAddress)
+SimulationValueUInt::SimulationValueUInt(unsigned int current, unsigned int set, float timeConstant, int setAddress,
+                                         int currentAddress)
     : SimulationValueBase<unsigned int>(current, set, timeConstant, setAddress, currentAddress)
 {
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

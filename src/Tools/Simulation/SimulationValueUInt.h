@@ -2,18 +2,16 @@
 
 #include "Tools/Simulation/SimulationValueBase.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 extern template class SimulationValueBase<unsigned int>;
 
-/// An unsigned 32-bit value; a falling value climbs through the top of the
-/// range until ten time constants land it.
+// An unsigned 32-bit value; a falling value climbs through the top of the
+// range until ten time constants land it.
 class SimulationValueUInt : public SimulationValueBase<unsigned int>
 {
 public:
     SimulationValueUInt(unsigned int current, unsigned int set, float timeConstant, int setAddress, int currentAddress);
 };
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

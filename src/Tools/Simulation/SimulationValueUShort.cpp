@@ -1,14 +1,13 @@
 #include "Tools/Simulation/SimulationValueUShort.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 template class SimulationValueBase<unsigned short>;
 
-SimulationValueUShort::SimulationValueUShort(unsigned short current, unsigned short set, float timeConstant, int setAddress, int currentAddress)
+SimulationValueUShort::SimulationValueUShort(unsigned short current, unsigned short set, float timeConstant,
+                                             int setAddress, int currentAddress)
     : SimulationValueBase<unsigned short>(current, set, timeConstant, setAddress, currentAddress)
 {
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

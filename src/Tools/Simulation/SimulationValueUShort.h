@@ -2,17 +2,16 @@
 
 #include "Tools/Simulation/SimulationValueBase.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 extern template class SimulationValueBase<unsigned short>;
 
-/// An unsigned 16-bit value; steps keep the low 16 bits.
+// An unsigned 16-bit value; steps keep the low 16 bits.
 class SimulationValueUShort : public SimulationValueBase<unsigned short>
 {
 public:
-    SimulationValueUShort(unsigned short current, unsigned short set, float timeConstant, int setAddress, int currentAddress);
+    SimulationValueUShort(unsigned short current, unsigned short set, float timeConstant, int setAddress,
+                          int currentAddress);
 };
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

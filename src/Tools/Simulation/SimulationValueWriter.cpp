@@ -1,9 +1,9 @@
 #include "Tools/Simulation/SimulationValueWriter.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
-SimulationValueWriter::SimulationValueWriter(QSharedPointer<SimulationReader> target, int aliasAddress, int targetAddress)
+SimulationValueWriter::SimulationValueWriter(QSharedPointer<SimulationReader> target, int aliasAddress,
+                                             int targetAddress)
     : target(std::move(target))
     , aliasAddress(aliasAddress)
     , targetAddress(targetAddress)
@@ -30,5 +30,4 @@ QVariant SimulationValueWriter::getType(int address)
     return target->read(targetAddress);
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

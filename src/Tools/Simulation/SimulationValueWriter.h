@@ -4,12 +4,11 @@
 
 #include <QSharedPointer>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
-/// Makes one more address writable: a write of the alias address is a write
-/// of the target at the target address. Reads are never answered; getType of
-/// the alias address reads the target, so it is valid even for a float value.
+// Makes one more address writable: a write of the alias address is a write
+// of the target at the target address. Reads are never answered; getType of
+// the alias address reads the target, so it is valid even for a float value.
 class SimulationValueWriter : public SimulationReader
 {
 public:
@@ -25,5 +24,4 @@ private:
     int targetAddress;
 };
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

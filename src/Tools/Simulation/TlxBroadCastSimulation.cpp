@@ -7,8 +7,7 @@
 #include <QTextStream>
 #include <QUdpSocket>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 namespace {
 
@@ -24,41 +23,41 @@ constexpr char replyProgramController[] = "False";
 
 } // namespace
 
-TlxBroadCastSimulation::TlxBroadCastSimulation(QHostAddress const& address, QString controllerType, QString chamberType)
+TlxBroadCastSimulation::TlxBroadCastSimulation(const QHostAddress& address, QString controllerType, QString chamberType)
     : UdpBroadCaster(address, discoveryPort_)
     , controllerType(std::move(controllerType))
     , chamberType(std::move(chamberType))
 {
 }
 
-TlxBroadCastSimulation::TlxBroadCastSimulation(QHostAddress const& address)
+TlxBroadCastSimulation::TlxBroadCastSimulation(const QHostAddress& address)
     : TlxBroadCastSimulation(address, QLatin1String(defaultControllerType), QLatin1String(defaultChamberType))
 {
 }
 
 void TlxBroadCastSimulation::readUdpData()
 {
-    QNetworkDatagram const request = socket->receiveDatagram();
+    const QNetworkDatagram request = socket->receiveDatagram();
     // A wake-up without a datagram (a socket error) has nobody to answer.
     if (!request.isValid())
         return;
-    QHostAddress const sender = request.senderAddress();
-    int const senderPort = request.senderPort();
+    const QHostAddress sender = request.senderAddress();
+    const int senderPort = request.senderPort();
     QByteArray content = request.data();
     // Printed up to a NUL byte.
-    int const nul = content.indexOf('\0');
+    const int nul = content.indexOf('\0');
     if (nul >= 0)
         content.truncate(nul);
-    QString const senderText = sender.toString();
-    QString const senderPortText = QString::number(senderPort);
+    const QString senderText = sender.toString();
+    const QString senderPortText = QString::number(senderPort);
 
     QTextStream& console = consoleOutput();
     // Every arg() in one pass, so that a '%' in the request or a type text is
     // printed as it is and not taken for a place holder.
-    console << QStringLiteral("UDP Request %1 from %2:%3\r\n")
-                   .arg(QString::fromUtf8(content), senderText, senderPortText);
+    console
+        << QStringLiteral("UDP Request %1 from %2:%3\r\n").arg(QString::fromUtf8(content), senderText, senderPortText);
 
-    QString const reply = QLatin1String(replyPattern)
+    const QString reply = QLatin1String(replyPattern)
                               .arg(socket->localAddress().toString(), QLatin1String(replyPort),
                                    getMacAddress().replace(QLatin1Char('-'), QLatin1Char(':')), chamberType,
                                    controllerType, QLatin1String(replyProgramController));
@@ -69,5 +68,4 @@ void TlxBroadCastSimulation::readUdpData()
     socket->writeDatagram(reply.toUtf8(), sender, static_cast<quint16>(senderPort));
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

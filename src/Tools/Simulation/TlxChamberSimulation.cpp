@@ -12,8 +12,7 @@
 #include <QTextStream>
 #include <QTimer>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 namespace {
 
@@ -33,7 +32,7 @@ constexpr int lengthDigits = 2;
 
 // The identifier taken as a signed 32-bit number; from 80000000 on it
 // overflows, and the overflow is address 0.
-int addressOf(QString const& identifier)
+int addressOf(const QString& identifier)
 {
     return identifier.toInt(nullptr, 16);
 }
@@ -46,20 +45,20 @@ TlxChamberSimulation::TlxChamberSimulation(QSharedPointer<domain::types::Chamber
 }
 
 TlxChamberSimulation::TlxChamberSimulation(QSharedPointer<domain::types::ChamberTypeData> chamberType,
-                                           QString const& ipAddress)
+                                           const QString& ipAddress)
     : TlxChamberSimulation(std::move(chamberType), ipAddress, defaultPort_)
 {
 }
 
 TlxChamberSimulation::TlxChamberSimulation(QSharedPointer<domain::types::ChamberTypeData> chamberType,
-                                           QString const& ipAddress, int port)
+                                           const QString& ipAddress, int port)
     : ChamberSimulation(std::move(chamberType))
     , server(new QTcpServer)
     , ipAddress(ipAddress)
     , port(port)
 {
-    QString const qualifiedTypeName = this->chamberType ? this->chamberType->getQualifiedTypeName() : QString();
-    QString const controller = this->chamberType ? this->chamberType->controller : QString();
+    const QString qualifiedTypeName = this->chamberType ? this->chamberType->getQualifiedTypeName() : QString();
+    const QString controller = this->chamberType ? this->chamberType->controller : QString();
     broadcaster = QSharedPointer<TlxBroadCastSimulation>::create(this->ipAddress, controller, qualifiedTypeName);
     connect(server.get(), &QTcpServer::newConnection, this, &TlxChamberSimulation::chamberConnected);
 }
@@ -68,9 +67,9 @@ TlxChamberSimulation::~TlxChamberSimulation() = default;
 
 bool TlxChamberSimulation::start()
 {
-    QString const qualifiedTypeName = chamberType ? chamberType->getQualifiedTypeName() : QString();
-    consoleOutput() << "Start TLX simulation " << qualifiedTypeName << " on " << ipAddress.toString() << ":"
-                    << port << consoleEndLine;
+    const QString qualifiedTypeName = chamberType ? chamberType->getQualifiedTypeName() : QString();
+    consoleOutput() << "Start TLX simulation " << qualifiedTypeName << " on " << ipAddress.toString() << ":" << port
+                    << consoleEndLine;
     // Listening twice would fail anyway; asking first spares the warning.
     if (server->isListening())
         return false;
@@ -89,7 +88,7 @@ QString TlxChamberSimulation::getIpAddress() const
 
 QByteArray TlxChamberSimulation::frame(QString body)
 {
-    QString const length = QString::number(body.length(), 10).rightJustified(lengthDigits, QLatin1Char('0'));
+    const QString length = QString::number(body.length(), 10).rightJustified(lengthDigits, QLatin1Char('0'));
     body.insert(0, QLatin1String(lengthLinePattern).arg(length));
     return body.toUtf8();
 }
@@ -113,18 +112,18 @@ void TlxChamberSimulation::readData()
     if (!currentClient)
         return;
     // Each read is a request of its own: nothing is kept for the next one.
-    QByteArray const answer = answerTo(currentClient->readAll());
+    const QByteArray answer = answerTo(currentClient->readAll());
     // No context object: the answer goes to whoever is the client when the
     // timer fires, which after a reconnection is the new one. The guarded
     // pointer only keeps a chamber destroyed meanwhile from being touched.
-    QPointer<TlxChamberSimulation> const chamber(this);
+    const QPointer<TlxChamberSimulation> chamber(this);
     QTimer::singleShot(answerDelayMs_, [chamber, answer]() {
         if (chamber)
             chamber->sendToCurrentClient(answer);
     });
 }
 
-QByteArray TlxChamberSimulation::answerTo(QByteArray const& request) const
+QByteArray TlxChamberSimulation::answerTo(const QByteArray& request) const
 {
     QRegExp linkTest(QLatin1String(linkTestPattern), Qt::CaseSensitive, QRegExp::RegExp);
     QRegExp read(QLatin1String(readPattern), Qt::CaseSensitive, QRegExp::RegExp);
@@ -135,22 +134,22 @@ QByteArray TlxChamberSimulation::answerTo(QByteArray const& request) const
         return QByteArray(errorAnswer);
 
     // A NUL byte ends the text.
-    int const nul = request.indexOf('\0');
-    QString const text = QString::fromUtf8(nul < 0 ? request : request.left(nul));
+    const int nul = request.indexOf('\0');
+    const QString text = QString::fromUtf8(nul < 0 ? request : request.left(nul));
 
     // The link test goes first, so that its identifier is never read as a value.
     if (linkTest.indexIn(text) == 0)
         return QByteArray(linkTestAnswer);
 
     if (read.indexIn(text) == 0) {
-        QVariant const value = simulationReader->read(addressOf(read.cap(2)));
+        const QVariant value = simulationReader->read(addressOf(read.cap(2)));
         if (!value.isValid())
             return QByteArray(errorAnswer);
         return frame(QLatin1String(readAnswerPattern).arg(read.cap(1), read.cap(2), value.toString()));
     }
 
     if (write.indexIn(text) == 0) {
-        int const address = addressOf(write.cap(2));
+        const int address = addressOf(write.cap(2));
         if (!simulationReader->getType(address).isValid())
             return QByteArray(errorAnswer);
         // The value converts the text itself; a refused write is echoed all the same.
@@ -161,12 +160,11 @@ QByteArray TlxChamberSimulation::answerTo(QByteArray const& request) const
     return QByteArray(errorAnswer);
 }
 
-void TlxChamberSimulation::sendToCurrentClient(QByteArray const& answer)
+void TlxChamberSimulation::sendToCurrentClient(const QByteArray& answer)
 {
     // A client that went away stays current but is no longer writable.
     if (currentClient && currentClient->isWritable())
         currentClient->write(answer);
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

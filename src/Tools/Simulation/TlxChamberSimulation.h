@@ -13,19 +13,18 @@
 class QTcpServer;
 class QTcpSocket;
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 class TlxBroadCastSimulation;
 
-/// One chamber served over the TLX line protocol: plain text requests that
-/// read or write single values by a hexadecimal CAN identifier, each answered
-/// 20 ms later with a framed text (a length line, then the body).
-///
-/// The chamber listens on its own address from start() and has its own
-/// discovery responder from construction. It serves one client at a time:
-/// a new connection ends the former one at once. Every request goes to the
-/// reader of the base class; the identifier is the reader address as it is.
+// One chamber served over the TLX line protocol: plain text requests that
+// read or write single values by a hexadecimal CAN identifier, each answered
+// 20 ms later with a framed text (a length line, then the body).
+//
+// The chamber listens on its own address from start() and has its own
+// discovery responder from construction. It serves one client at a time:
+// a new connection ends the former one at once. Every request goes to the
+// reader of the base class; the identifier is the reader address as it is.
 class TlxChamberSimulation : public QObject, public ChamberSimulation
 {
     Q_OBJECT
@@ -36,23 +35,23 @@ public:
     static constexpr int answerDelayMs_ = 20;
     static constexpr char defaultIpAddress_[] = "127.0.0.1";
 
-    /// On 127.0.0.1, port 9000.
+    // On 127.0.0.1, port 9000.
     explicit TlxChamberSimulation(QSharedPointer<domain::types::ChamberTypeData> chamberType);
-    /// On the address given, port 9000.
-    TlxChamberSimulation(QSharedPointer<domain::types::ChamberTypeData> chamberType, QString const& ipAddress);
-    /// The responder stays on port 9001 whatever the port.
-    TlxChamberSimulation(QSharedPointer<domain::types::ChamberTypeData> chamberType, QString const& ipAddress,
+    // On the address given, port 9000.
+    TlxChamberSimulation(QSharedPointer<domain::types::ChamberTypeData> chamberType, const QString& ipAddress);
+    // The responder stays on port 9001 whatever the port.
+    TlxChamberSimulation(QSharedPointer<domain::types::ChamberTypeData> chamberType, const QString& ipAddress,
                          int port);
     ~TlxChamberSimulation() override;
 
-    /// Prints the start line and listens. A second call prints again and
-    /// answers false, leaving the running listener as it is.
+    // Prints the start line and listens. A second call prints again and
+    // answers false, leaving the running listener as it is.
     bool start() override;
     int getProtocolId() const override;
     QString getIpAddress() const override;
 
-    /// Frames an answer body: its length in characters (before UTF-8), at
-    /// least two decimal digits, CR LF, then the body, in UTF-8.
+    // Frames an answer body: its length in characters (before UTF-8), at
+    // least two decimal digits, CR LF, then the body, in UTF-8.
     static QByteArray frame(QString body);
 
 private slots:
@@ -60,15 +59,14 @@ private slots:
     void readData();
 
 private:
-    QByteArray answerTo(QByteArray const& request) const;
-    void sendToCurrentClient(QByteArray const& answer);
+    QByteArray answerTo(const QByteArray& request) const;
+    void sendToCurrentClient(const QByteArray& answer);
 
-    std::unique_ptr<QTcpServer> const server;
+    const std::unique_ptr<QTcpServer> server;
     std::unique_ptr<QTcpSocket> currentClient;
     QSharedPointer<TlxBroadCastSimulation> broadcaster;
     QHostAddress ipAddress;
     int port;
 };
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

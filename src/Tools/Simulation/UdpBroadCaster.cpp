@@ -4,8 +4,7 @@
 #include <QNetworkInterface>
 #include <QUdpSocket>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 namespace {
 
@@ -13,7 +12,7 @@ constexpr char noMacAddress[] = "00:00:00:00:00:00";
 
 } // namespace
 
-UdpBroadCaster::UdpBroadCaster(QHostAddress const& address, int port)
+UdpBroadCaster::UdpBroadCaster(const QHostAddress& address, int port)
     : socket(new QUdpSocket)
 {
     socket->bind(address, static_cast<quint16>(port), QAbstractSocket::ShareAddress);
@@ -24,13 +23,13 @@ UdpBroadCaster::~UdpBroadCaster() = default;
 
 QString UdpBroadCaster::getMacAddress() const
 {
-    QHostAddress const local = socket->localAddress();
+    const QHostAddress local = socket->localAddress();
     QNetworkInterface::InterfaceFlags const required = QNetworkInterface::IsUp | QNetworkInterface::CanBroadcast;
-    for (QNetworkInterface const& networkInterface : QNetworkInterface::allInterfaces()) {
+    for (const QNetworkInterface& networkInterface : QNetworkInterface::allInterfaces()) {
         QNetworkInterface::InterfaceFlags const flags = networkInterface.flags();
         if ((flags & required) != required || flags.testFlag(QNetworkInterface::IsLoopBack))
             continue;
-        for (QNetworkAddressEntry const& entry : networkInterface.addressEntries()) {
+        for (const QNetworkAddressEntry& entry : networkInterface.addressEntries()) {
             if (entry.ip().protocol() == QAbstractSocket::IPv4Protocol && entry.ip() == local)
                 return networkInterface.hardwareAddress();
         }
@@ -38,5 +37,4 @@ QString UdpBroadCaster::getMacAddress() const
     return QLatin1String(noMacAddress);
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

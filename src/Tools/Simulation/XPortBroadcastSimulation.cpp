@@ -2,10 +2,9 @@
 
 #include "Tools/Simulation/ConverterSearchReply.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
-XPortBroadcastSimulation::XPortBroadcastSimulation(QHostAddress const& address)
+XPortBroadcastSimulation::XPortBroadcastSimulation(const QHostAddress& address)
     : UdpBroadCaster(address, discoveryPort_)
 {
 }
@@ -15,5 +14,4 @@ void XPortBroadcastSimulation::readUdpData()
     answerConverterSearch(*socket, getMacAddress());
 }
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

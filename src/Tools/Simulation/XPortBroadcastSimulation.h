@@ -2,14 +2,13 @@
 
 #include "Tools/Simulation/UdpBroadCaster.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
-/// The discovery responder of a simulated XPort converter, as each Modbus
-/// TCP chamber and each converter on port 8000 has one.
-/// Every datagram to port 30718, whatever it holds, is answered with 28
-/// bytes: 22 zero bytes, then the six bytes of the hardware address of the
-/// bound address (all zero on loopback). Each request is printed.
+// The discovery responder of a simulated XPort converter, as each Modbus
+// TCP chamber and each converter on port 8000 has one.
+// Every datagram to port 30718, whatever it holds, is answered with 28
+// bytes: 22 zero bytes, then the six bytes of the hardware address of the
+// bound address (all zero on loopback). Each request is printed.
 class XPortBroadcastSimulation : public UdpBroadCaster
 {
     Q_OBJECT
@@ -17,11 +16,10 @@ class XPortBroadcastSimulation : public UdpBroadCaster
 public:
     static constexpr int discoveryPort_ = 30718;
 
-    explicit XPortBroadcastSimulation(QHostAddress const& address);
+    explicit XPortBroadcastSimulation(const QHostAddress& address);
 
 protected slots:
     void readUdpData() override;
 };
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

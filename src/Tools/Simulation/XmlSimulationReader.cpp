@@ -6,8 +6,7 @@
 #include <QXmlInputSource>
 #include <QXmlSimpleReader>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 QT_WARNING_PUSH
 QT_WARNING_DISABLE_DEPRECATED
@@ -61,11 +60,11 @@ bool XmlSimulationReader::endDocument()
     return true;
 }
 
-bool XmlSimulationReader::startElement(QString const& namespaceURI, QString const& localName,
-                                       QString const& qName, QXmlAttributes const& atts)
+bool XmlSimulationReader::startElement(const QString& namespaceURI, const QString& localName, const QString& qName,
+                                       const QXmlAttributes& atts)
 {
     if (qName == timeElement_) {
-        auto const tag = QSharedPointer<XmlTimeTag>::create();
+        const auto tag = QSharedPointer<XmlTimeTag>::create();
         tag->startElement(namespaceURI, localName, qName, atts);
         timeTags.append(tag);
         handlers.append(tag);
@@ -75,8 +74,7 @@ bool XmlSimulationReader::startElement(QString const& namespaceURI, QString cons
     return true;
 }
 
-bool XmlSimulationReader::endElement(QString const& namespaceURI, QString const& localName,
-                                     QString const& qName)
+bool XmlSimulationReader::endElement(const QString& namespaceURI, const QString& localName, const QString& qName)
 {
     if (qName == timeElement_) {
         if (!handlers.isEmpty())
@@ -87,7 +85,7 @@ bool XmlSimulationReader::endElement(QString const& namespaceURI, QString const&
     return true;
 }
 
-bool XmlSimulationReader::characters(QString const& ch)
+bool XmlSimulationReader::characters(const QString& ch)
 {
     if (!handlers.isEmpty())
         handlers.last()->characters(ch);
@@ -106,5 +104,4 @@ QDateTime XmlSimulationReader::getCurrentDateTime() const
 
 QT_WARNING_POP
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

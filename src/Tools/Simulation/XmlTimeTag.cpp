@@ -2,14 +2,13 @@
 
 #include "Tools/Simulation/XmlValueTag.h"
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 QT_WARNING_PUSH
 QT_WARNING_DISABLE_DEPRECATED
 
-bool XmlTimeTag::startElement(QString const& namespaceURI, QString const& localName,
-                              QString const& qName, QXmlAttributes const& atts)
+bool XmlTimeTag::startElement(const QString& namespaceURI, const QString& localName, const QString& qName,
+                              const QXmlAttributes& atts)
 {
     if (qName == QLatin1String("time")) {
         seconds = atts.value(QStringLiteral("seconds")).toLongLong(nullptr, 10);
@@ -20,8 +19,7 @@ bool XmlTimeTag::startElement(QString const& namespaceURI, QString const& localN
     return true;
 }
 
-bool XmlTimeTag::endElement(QString const& namespaceURI, QString const& localName,
-                            QString const& qName)
+bool XmlTimeTag::endElement(const QString& namespaceURI, const QString& localName, const QString& qName)
 {
     if (qName == QLatin1String("value")) {
         // A `value` nested in a `value` ends the outer one early; the outer
@@ -37,7 +35,7 @@ bool XmlTimeTag::endElement(QString const& namespaceURI, QString const& localNam
     return true;
 }
 
-bool XmlTimeTag::characters(QString const& ch)
+bool XmlTimeTag::characters(const QString& ch)
 {
     if (currentValue)
         currentValue->characters(ch);
@@ -51,7 +49,7 @@ long long XmlTimeTag::get() const
 
 QVariant XmlTimeTag::read(int address) const
 {
-    for (auto const& value : values) {
+    for (const auto& value : values) {
         if (value->getAddress() == address)
             return value->get();
     }
@@ -60,5 +58,4 @@ QVariant XmlTimeTag::read(int address) const
 
 QT_WARNING_POP
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -5,27 +5,25 @@
 #include <QVariant>
 #include <QXmlDefaultHandler>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 class XmlValueTag;
 
 QT_WARNING_PUSH
 QT_WARNING_DISABLE_DEPRECATED
 
-/// One `time` element of a value file: the seconds from the start and the
-/// `value` elements that hold from then on.
+// One `time` element of a value file: the seconds from the start and the
+// `value` elements that hold from then on.
 class XmlTimeTag : public QXmlDefaultHandler
 {
 public:
-    bool startElement(QString const& namespaceURI, QString const& localName,
-                      QString const& qName, QXmlAttributes const& atts) override;
-    bool endElement(QString const& namespaceURI, QString const& localName,
-                    QString const& qName) override;
-    bool characters(QString const& ch) override;
+    bool startElement(const QString& namespaceURI, const QString& localName, const QString& qName,
+                      const QXmlAttributes& atts) override;
+    bool endElement(const QString& namespaceURI, const QString& localName, const QString& qName) override;
+    bool characters(const QString& ch) override;
 
     long long get() const;
-    /// The first value of this tag with the address, or an invalid QVariant.
+    // The first value of this tag with the address, or an invalid QVariant.
     QVariant read(int address) const;
 
 private:
@@ -36,5 +34,4 @@ private:
 
 QT_WARNING_POP
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

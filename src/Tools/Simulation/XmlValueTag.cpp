@@ -4,8 +4,7 @@
 
 #include <QTextStream>
 
-namespace zelmor {
-namespace simulation {
+namespace zelmor::simulation {
 
 QT_WARNING_PUSH
 QT_WARNING_DISABLE_DEPRECATED
@@ -17,15 +16,15 @@ const QString hexPrefix_ = QStringLiteral("0x");
 
 } // namespace
 
-bool XmlValueTag::startElement(QString const& namespaceURI, QString const& localName,
-                               QString const& qName, QXmlAttributes const& atts)
+bool XmlValueTag::startElement(const QString& namespaceURI, const QString& localName, const QString& qName,
+                               const QXmlAttributes& atts)
 {
     Q_UNUSED(namespaceURI)
     Q_UNUSED(localName)
     if (qName != valueElement_)
         return true;
 
-    QString const addressText = atts.value(QStringLiteral("address"));
+    const QString addressText = atts.value(QStringLiteral("address"));
     // Only a lower-case prefix means hexadecimal; "0X1A" is no decimal number
     // either and so ends up as 0.
     if (addressText.startsWith(hexPrefix_))
@@ -39,8 +38,7 @@ bool XmlValueTag::startElement(QString const& namespaceURI, QString const& local
     return true;
 }
 
-bool XmlValueTag::endElement(QString const& namespaceURI, QString const& localName,
-                             QString const& qName)
+bool XmlValueTag::endElement(const QString& namespaceURI, const QString& localName, const QString& qName)
 {
     Q_UNUSED(namespaceURI)
     Q_UNUSED(localName)
@@ -48,13 +46,13 @@ bool XmlValueTag::endElement(QString const& namespaceURI, QString const& localNa
     return true;
 }
 
-bool XmlValueTag::characters(QString const& ch)
+bool XmlValueTag::characters(const QString& ch)
 {
     value.append(ch);
     return true;
 }
 
-bool XmlValueTag::error(QXmlParseException const& exception)
+bool XmlValueTag::error(const QXmlParseException& exception)
 {
     consoleOutput() << exception.message() << consoleEndLine;
     return true;
@@ -74,5 +72,4 @@ QVariant XmlValueTag::get() const
 
 QT_WARNING_POP
 
-} // namespace simulation
-} // namespace zelmor
+} // namespace zelmor::simulation

@@ -11,8 +11,8 @@
 #include <QFile>
 #include <QList>
 #include <QSettings>
-#include <QSqlQuery>
 #include <QSharedPointer>
+#include <QSqlQuery>
 #include <QString>
 #include <QTextStream>
 
@@ -27,7 +27,7 @@ using zelmor::simulation::consoleOutput;
 
 namespace {
 
-constexpr char const* usageLines[] = {
+constexpr const char* usageLines[] = {
     "Usage: \n",
     " [-iXXXX] XXXX=IPAddress\n",
     " [-pXXXX] XXXX=Internet Port\n",
@@ -46,7 +46,7 @@ constexpr char kv2ChamberTypeId[] = "247";
 constexpr char iniFile[] = "../ZELMOR4.ini";
 constexpr char iniDatabasePathKey[] = "General/ConfigDatabasePath";
 constexpr char configurationDatabaseKey[] = "0a1b2c3d4e5f60718293a4b5c6d7e8f9";
-constexpr char const* defaultDatabasePaths[] = {
+constexpr const char* defaultDatabasePaths[] = {
     "database/configuration.sqlite3",
     "../../../database/configuration.sqlite3",
 };
@@ -66,7 +66,7 @@ void chooseWindowlessPlatform()
 // at /etc/localtime on each call; naming that file reads the same zone once.
 void keepLocalTimeCheap()
 {
-    static char const localTimeFile[] = "/etc/localtime";
+    static const char localTimeFile[] = "/etc/localtime";
     if (!qEnvironmentVariableIsSet("TZ") && QFile::exists(QLatin1String(localTimeFile)))
         qputenv("TZ", QByteArray(":") + localTimeFile);
 }
@@ -88,8 +88,8 @@ void raiseOpenFileLimit()
 // window system's events. ZELMOR_EVENT_DISPATCHER=qt keeps Qt's in any case.
 void installFleetEventDispatcher()
 {
-    QByteArray const platform = qgetenv("QT_QPA_PLATFORM");
-    bool const windowless = platform.startsWith("offscreen") || platform.startsWith("minimal");
+    const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
+    const bool windowless = platform.startsWith("offscreen") || platform.startsWith("minimal");
     if (!windowless || qgetenv("ZELMOR_EVENT_DISPATCHER") == "qt")
         return;
     auto* const dispatcher = new zelmor::simulation::EpollEventDispatcher;
@@ -103,12 +103,12 @@ void installFleetEventDispatcher()
 void printUsage()
 {
     QTextStream& console = consoleOutput();
-    for (char const* line : usageLines)
+    for (const char* line : usageLines)
         console << line;
     console.flush();
 }
 
-void attachValueFile(QSharedPointer<ChamberSimulation> const& chamber, QString const& valueFilePath)
+void attachValueFile(const QSharedPointer<ChamberSimulation>& chamber, const QString& valueFilePath)
 {
     if (!valueFilePath.isEmpty())
         chamber->setSimulationReader(QSharedPointer<zelmor::simulation::XmlSimulationReader>::create(valueFilePath));
@@ -125,7 +125,7 @@ void holdCatalogueReadLock(SqliteConnection& connection)
 
 // A wrong key still opens: the engine only tells at the first statement that
 // reads a page. Such a catalogue counts as not opened.
-bool openReadableCatalogue(SqliteConnection& connection, QString const& path)
+bool openReadableCatalogue(SqliteConnection& connection, const QString& path)
 {
     if (!connection.openDatabase(path, QString(), QString(), QLatin1String(configurationDatabaseKey)))
         return false;
@@ -135,14 +135,14 @@ bool openReadableCatalogue(SqliteConnection& connection, QString const& path)
     return connection.fetchSingleValue(probe).isValid();
 }
 
-bool openConfigurationDatabase(SqliteConnection& connection, QString const& iniDatabasePath)
+bool openConfigurationDatabase(SqliteConnection& connection, const QString& iniDatabasePath)
 {
     if (!iniDatabasePath.isEmpty()) {
         consoleOutput() << "Reading database " << iniDatabasePath << consoleEndLine;
         return openReadableCatalogue(connection, iniDatabasePath);
     }
     consoleOutput() << "Reading database in default folders" << consoleEndLine;
-    for (char const* path : defaultDatabasePaths) {
+    for (const char* path : defaultDatabasePaths) {
         if (openReadableCatalogue(connection, QLatin1String(path)))
             return true;
     }
@@ -172,7 +172,7 @@ int main(int argc, char* argv[])
     // Every element is tested against every option, with no else between
     // them; text options concatenate, the type ids accumulate in order.
     for (int index = 1; index < argc; ++index) {
-        QString const argument = QString::fromLocal8Bit(argv[index]);
+        const QString argument = QString::fromLocal8Bit(argv[index]);
         if (argument == QLatin1String("kv2"))
             chamberTypeIds.append(QLatin1String(kv2ChamberTypeId));
         if (argument == QLatin1String("tlx"))
@@ -208,30 +208,30 @@ int main(int argc, char* argv[])
 
     QSettings settings(QLatin1String(iniFile), QSettings::IniFormat);
     settings.setIniCodec("UTF-8");
-    QString const iniDatabasePath = settings.value(QLatin1String(iniDatabasePathKey), QString()).toString();
+    const QString iniDatabasePath = settings.value(QLatin1String(iniDatabasePathKey), QString()).toString();
 
     if (!openConfigurationDatabase(configurationConnection, iniDatabasePath))
         return databaseNotOpened;
 
     if (!automaticAddress.isEmpty()) {
-        QList<QSharedPointer<ChamberSimulation>> const fleet =
+        const QList<QSharedPointer<ChamberSimulation>> fleet =
             zelmor::simulation::createAutoSimulation(database, automaticAddress);
-        for (QSharedPointer<ChamberSimulation> const& chamber : fleet) {
+        for (const QSharedPointer<ChamberSimulation>& chamber : fleet) {
             attachValueFile(chamber, valueFilePath);
             chamber->start();
         }
         chambers.append(fleet);
     } else if (!countText.isEmpty()) {
-        for (QString const& id : chamberTypeIds) {
-            QList<QSharedPointer<ChamberSimulation>> const fleet =
+        for (const QString& id : chamberTypeIds) {
+            const QList<QSharedPointer<ChamberSimulation>> fleet =
                 zelmor::simulation::createSimulations(database, ipAddress, countText, id.toInt(nullptr, 10));
-            for (QSharedPointer<ChamberSimulation> const& chamber : fleet)
+            for (const QSharedPointer<ChamberSimulation>& chamber : fleet)
                 attachValueFile(chamber, valueFilePath);
             chambers.append(fleet);
         }
     } else {
-        for (QString const& id : chamberTypeIds) {
-            QSharedPointer<ChamberSimulation> const chamber =
+        for (const QString& id : chamberTypeIds) {
+            const QSharedPointer<ChamberSimulation> chamber =
                 zelmor::simulation::getSimulationByChamberConfigId(database, id.toInt(nullptr, 10), ipAddress);
             if (!chamber)
                 continue;
@@ -242,7 +242,7 @@ int main(int argc, char* argv[])
 
     // In the automatic path every chamber starts a second time here; a
     // second start() leaves the first one's listener as it is.
-    for (QSharedPointer<ChamberSimulation> const& chamber : chambers)
+    for (const QSharedPointer<ChamberSimulation>& chamber : chambers)
         chamber->start();
 
     return application.exec();

@@ -51,7 +51,8 @@ ChamberSignal makeSignal(Unit::UnitId unit, int bitPosition, const QString& addr
 ChamberSignal makeFullSignal()
 {
     ChamberSignal signal = makeSignal(Unit::CELSIUS, -1, QStringLiteral("ffff"));
-    signal.setPointSignal = QSharedPointer<ChamberSignal>::create(makeSignal(Unit::CELSIUS, -1, QStringLiteral("-ff-")));
+    signal.setPointSignal =
+        QSharedPointer<ChamberSignal>::create(makeSignal(Unit::CELSIUS, -1, QStringLiteral("-ff-")));
     return signal;
 }
 
@@ -110,8 +111,8 @@ void TestChamberSignal::predicates()
     QFETCH(int, userLevel);
 
     const ChamberSignal s = makeSignal(Unit::UnitId(unit), bitPosition, addresses, userLevel);
-    QTEST(QList<bool>({s.isDigitalSignal(), s.isReadSignal(), s.isWriteSignal(), s.isReadOnlySignal(),
-                       s.isSubscribable()}),
+    QTEST(QList<bool>(
+              {s.isDigitalSignal(), s.isReadSignal(), s.isWriteSignal(), s.isReadOnlySignal(), s.isSubscribable()}),
           "expected");
 }
 
@@ -156,8 +157,8 @@ void TestChamberSignal::ordering()
     QCOMPARE(left > right, order > 0);
 
     // a process value sorts next to its set point, after all unlinked signals
-    QList<ChamberSignal> list = {linkedSignal(21, 20), linkedSignal(20, -1), linkedSignal(11, 10),
-                                 linkedSignal(5, -1), linkedSignal(10, -1)};
+    QList<ChamberSignal> list = {linkedSignal(21, 20), linkedSignal(20, -1), linkedSignal(11, 10), linkedSignal(5, -1),
+                                 linkedSignal(10, -1)};
     std::sort(list.begin(), list.end());
     QList<int> ids;
     for (const ChamberSignal& signal : list) {

@@ -33,15 +33,14 @@ ChamberTypeData makeType()
     ChamberSignal signal;
     signal.id = 4;
     signal.name = QStringLiteral("PV_Temperature");
-    const ControlSignal mode(9, QStringLiteral("Ctrl_OpMode_Mode"), 2, ADMINISTRATOR, registerAt(1, QStringLiteral("0x10")),
-                             registerAt(2, QStringLiteral("0x11")));
-    return ChamberTypeData(ChamberTypeId(17, 3), QStringLiteral("HX"), QStringLiteral("Z6"), 60, QStringLiteral("230V"),
-                           QStringLiteral("hx.png"), QStringLiteral("climate chamber"), QStringLiteral("1.0"),
-                           QStringLiteral("2.0"), QStringLiteral("SK"), 5, 9, QStringLiteral("KP"),
-                           QStringLiteral("A-100"), QStringLiteral("info"), QStringLiteral("KV2"),
-                           protocolsFrom({4, 3}), {{4, signal}}, {{9, mode}},
-                           {ChamberOption(QStringLiteral("TimeProgram"), true)},
-                           {ChamberOption(QStringLiteral("LQC"), false)});
+    const ControlSignal mode(9, QStringLiteral("Ctrl_OpMode_Mode"), 2, ADMINISTRATOR,
+                             registerAt(1, QStringLiteral("0x10")), registerAt(2, QStringLiteral("0x11")));
+    return ChamberTypeData(
+        ChamberTypeId(17, 3), QStringLiteral("HX"), QStringLiteral("Z6"), 60, QStringLiteral("230V"),
+        QStringLiteral("hx.png"), QStringLiteral("climate chamber"), QStringLiteral("1.0"), QStringLiteral("2.0"),
+        QStringLiteral("SK"), 5, 9, QStringLiteral("KP"), QStringLiteral("A-100"), QStringLiteral("info"),
+        QStringLiteral("KV2"), protocolsFrom({4, 3}), {{4, signal}}, {{9, mode}},
+        {ChamberOption(QStringLiteral("TimeProgram"), true)}, {ChamberOption(QStringLiteral("LQC"), false)});
 }
 
 } // namespace
@@ -71,10 +70,14 @@ void TestChamberTypeData::qualifiedTypeName_data()
     QTest::addColumn<QString>("state");
     QTest::addColumn<QString>("expected");
 
-    QTest::newRow("type, size and state") << "HX" << 60 << "Z6" << "HX 60 Z6";
-    QTest::newRow("size 0 is skipped") << "HX" << 0 << "Z6" << "HX Z6";
-    QTest::newRow("size -1, no state") << "HX" << -1 << "" << "HX";
-    QTest::newRow("empty type with size and state") << "" << 60 << "Z6" << "";
+    QTest::newRow("type, size and state") << "HX" << 60 << "Z6"
+                                          << "HX 60 Z6";
+    QTest::newRow("size 0 is skipped") << "HX" << 0 << "Z6"
+                                       << "HX Z6";
+    QTest::newRow("size -1, no state") << "HX" << -1 << ""
+                                       << "HX";
+    QTest::newRow("empty type with size and state") << "" << 60 << "Z6"
+                                                    << "";
 }
 
 void TestChamberTypeData::qualifiedTypeName()
@@ -123,8 +126,8 @@ void TestChamberTypeData::optionPredicates_data()
     using F = QList<bool>;
     const QString modeSwitch = QStringLiteral("OperatingModeSwitching");
     QTest::newRow("TimeProgram") << QStringList{"TimeProgram"} << "PL4" << F{true, false, false, false};
-    QTest::newRow("TimeProgram_ZELMOR_4") << QStringList{"TimeProgram_ZELMOR_4"} << "KV2"
-                                          << F{true, false, false, false};
+    QTest::newRow("TimeProgram_ZELMOR_4")
+        << QStringList{"TimeProgram_ZELMOR_4"} << "KV2" << F{true, false, false, false};
     QTest::newRow("case differs") << QStringList{"timeprogram", "operatingmodeswitching", "readable_datastorage"}
                                   << "KV2" << F{false, false, false, false};
     QTest::newRow("mode switching, PL4") << QStringList{modeSwitch} << "PL4" << F{false, true, false, false};

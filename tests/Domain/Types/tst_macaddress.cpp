@@ -25,13 +25,13 @@ void TestMacAddress::parse_data()
     QTest::newRow("mixed separators") << "00-1A-2B:3C:4D:5E" << QByteArray() << "";
     QTest::newRow("first part no number") << "G0:11:22:33:44:55" << QByteArray("001122334455") << "00:11:22:33:44:55";
     QTest::newRow("single digits") << "a-b-c-d-e-f" << QByteArray("0a0b0c0d0e0f") << "0a:0b:0c:0d:0e:0f";
-    QTest::newRow("three digits keep the low byte") << "1FF:2:3:4:5:6" << QByteArray("ff0203040506")
-                                                    << "ff:02:03:04:05:06";
-    QTest::newRow("empty parts are dropped") << "-00-11--22-33-44-55-" << QByteArray("001122334455")
-                                             << "00:11:22:33:44:55";
+    QTest::newRow("three digits keep the low byte")
+        << "1FF:2:3:4:5:6" << QByteArray("ff0203040506") << "ff:02:03:04:05:06";
+    QTest::newRow("empty parts are dropped")
+        << "-00-11--22-33-44-55-" << QByteArray("001122334455") << "00:11:22:33:44:55";
     // six parts at "-" win, and the last one is no number
-    QTest::newRow("six dash parts, one with a colon") << "00-11-22-33-44-55:66" << QByteArray("001122334400")
-                                                      << "00:11:22:33:44:00";
+    QTest::newRow("six dash parts, one with a colon")
+        << "00-11-22-33-44-55:66" << QByteArray("001122334400") << "00:11:22:33:44:00";
     QTest::newRow("five parts") << "00:11:22:33:44" << QByteArray() << "";
     QTest::newRow("seven parts") << "00:11:22:33:44:55:66" << QByteArray() << "";
     QTest::newRow("no separators") << "001122334455" << QByteArray() << "";

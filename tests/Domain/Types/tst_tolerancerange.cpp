@@ -98,10 +98,10 @@ void TestToleranceRange::convertToUnit_data()
     QTest::addColumn<QVariant>("expectedUpper");
 
     // bounds go through getValue, not getRelativeValue, even for a relative range
-    QTest::newRow("one of two in the unit: both become floats") << 1 << QVariant(50) << 0 << QVariant(20) << 1
-                                                                 << QVariant(50.0f) << QVariant(68.0f);
-    QTest::newRow("already in the unit: untouched") << 1 << QVariant(10) << 1 << QVariant(20) << 1 << QVariant(10)
-                                                    << QVariant(20);
+    QTest::newRow("one of two in the unit: both become floats")
+        << 1 << QVariant(50) << 0 << QVariant(20) << 1 << QVariant(50.0f) << QVariant(68.0f);
+    QTest::newRow("already in the unit: untouched")
+        << 1 << QVariant(10) << 1 << QVariant(20) << 1 << QVariant(10) << QVariant(20);
 }
 
 void TestToleranceRange::convertToUnit()

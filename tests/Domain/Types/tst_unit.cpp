@@ -95,7 +95,9 @@ void TestUnit::toUnitId_data()
     QTest::newRow("null text") << QString() << 15;
     QTest::newRow("lower-case mluxh") << QStringLiteral("mluxh") << 16;
     // the UTF-8 bytes of the degree sign read as Latin-1
-    QTest::newRow("mis-decoded degree Celsius") << QString::fromLatin1("\xC2\xB0" "C") << 16;
+    QTest::newRow("mis-decoded degree Celsius") << QString::fromLatin1("\xC2\xB0"
+                                                                       "C")
+                                                << 16;
 }
 
 void TestUnit::toUnitId()
@@ -147,8 +149,8 @@ void TestUnit::unitValueConversion()
 
     const UnitValue unitValue(Unit::UnitId(unit), value);
     QCOMPARE(unitValue.getValue(), value);
-    const QVariant result = relative ? unitValue.getRelativeValue(Unit::UnitId(target))
-                                     : unitValue.getValue(Unit::UnitId(target));
+    const QVariant result =
+        relative ? unitValue.getRelativeValue(Unit::UnitId(target)) : unitValue.getValue(Unit::UnitId(target));
     QCOMPARE(result.isValid(), expectedBits.isValid());
     if (expectedBits.isValid()) {
         QCOMPARE(result.userType(), int(QMetaType::Float));

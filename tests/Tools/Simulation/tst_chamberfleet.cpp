@@ -21,14 +21,14 @@ using zelmor::testsupport::StreamCapture;
 
 namespace {
 
-QSharedPointer<ControllerAddress> registerAt(QString const& text, QMetaType::Type type)
+QSharedPointer<ControllerAddress> registerAt(const QString& text, QMetaType::Type type)
 {
     auto result = QSharedPointer<ControllerAddress>::create();
     std::tie(result->address, result->type) = std::make_tuple(text, type);
     return result;
 }
 
-ChamberSignal makeSignal(QString const& name, ChamberSignal::SignalType signalType, QString const& read,
+ChamberSignal makeSignal(const QString& name, ChamberSignal::SignalType signalType, const QString& read,
                          QMetaType::Type type, Unit::UnitId unit)
 {
     ChamberSignal signal;
@@ -45,7 +45,8 @@ ChamberTypeData readerType()
     type.controller = QStringLiteral("TLX");
     ChamberSignal setPoint = makeSignal("SP_A", ChamberSignal::SET_POINT, "1B", QMetaType::Float, Unit::CELSIUS);
     setPoint.writeManual = registerAt("1B", QMetaType::Float);
-    ChamberSignal processValue = makeSignal("PV_A", ChamberSignal::PROCESS_VALUE, "1A", QMetaType::Float, Unit::CELSIUS);
+    ChamberSignal processValue =
+        makeSignal("PV_A", ChamberSignal::PROCESS_VALUE, "1A", QMetaType::Float, Unit::CELSIUS);
     processValue.setPointSignal = QSharedPointer<ChamberSignal>::create(setPoint);
     type.chamberSignals = {
         {5, setPoint},
@@ -56,7 +57,7 @@ ChamberTypeData readerType()
         {8, makeSignal("PV_B", ChamberSignal::PROCESS_VALUE, "50", QMetaType::Int, Unit::CELSIUS)},
         {9, makeSignal("X", ChamberSignal::NO_SIGNAL_TYPE, "60", QMetaType::Int, Unit::PERCENT)},
     };
-    auto const control = [&type](int key, QString const& read, QString const& write, QMetaType::Type valueType) {
+    const auto control = [&type](int key, const QString& read, const QString& write, QMetaType::Type valueType) {
         ControlSignal& signal = type.controlSignals[key];
         std::tie(signal.read.address, signal.read.type, signal.write.address, signal.write.type) =
             std::make_tuple(read, valueType, write, valueType);
@@ -99,12 +100,12 @@ void TestChamberFleet::classChoice_data()
     QTest::addColumn<QString>("controller");
     QTest::addColumn<QList<int>>("protocols");
     QTest::addColumn<QString>("address");
-    QTest::addColumn<int>("protocolId"); // 0: no chamber
+    QTest::addColumn<int>("protocolId");   // 0: no chamber
     QTest::addColumn<QByteArray>("image"); // class of the image; empty: none
     QTest::addColumn<bool>("programmable");
 
-    auto row = [](char const* name, char const* controller, QList<int> protocols, char const* address,
-                  int protocolId, char const* image = "", bool programmable = true) {
+    auto row = [](const char* name, const char* controller, QList<int> protocols, const char* address, int protocolId,
+                  const char* image = "", bool programmable = true) {
         QTest::newRow(name) << controller << protocols << address << protocolId << QByteArray(image) << programmable;
     };
     row("TLX, protocols not looked at", "TLX", {MODBUS_TCP}, "127.0.58.2", 4);
@@ -141,15 +142,15 @@ void TestChamberFleet::classChoice()
         type.protocols.append(ChamberProtocol(protocol));
     type.options = {ChamberOption(programmable ? "TimeProgram" : "WeekProgram")};
     // A signal behind the image, so that the image is seen to come first.
-    type.chamberSignals.insert(1, makeSignal("PV_A", ChamberSignal::PROCESS_VALUE, "2000", QMetaType::Float,
-                                             Unit::CELSIUS));
+    type.chamberSignals.insert(
+        1, makeSignal("PV_A", ChamberSignal::PROCESS_VALUE, "2000", QMetaType::Float, Unit::CELSIUS));
 
     StreamCapture console(consoleOutput());
-    QSharedPointer<ChamberSimulation> const chamber = getSimulationByChamberConfigId(type, address);
+    const QSharedPointer<ChamberSimulation> chamber = getSimulationByChamberConfigId(type, address);
     QCOMPARE(chamber.isNull(), protocolId == 0);
     if (!chamber)
         return;
-    char const* const classes[] = {"", "ModbusChamberSimulation", "ModbusRtuOverTcpChamberSimulation",
+    const char* const classes[] = {"", "ModbusChamberSimulation", "ModbusRtuOverTcpChamberSimulation",
                                    "ModbusTcpChamberSimulation", "TlxChamberSimulation"};
     QVERIFY2(QByteArray(typeid(*chamber).name()).contains(classes[protocolId]), typeid(*chamber).name());
     QCOMPARE(chamber->getProtocolId(), protocolId);
@@ -157,15 +158,15 @@ void TestChamberFleet::classChoice()
     QCOMPARE(chamber->getIpAddress(), protocolId == 1 ? QString() : address);
     QCOMPARE(chamber->getModbusAddress(), protocolId == 2 ? 1 : 0);
     if (protocolId == 1) {
-        auto const serial = chamber.staticCast<ModbusChamberSimulation>();
+        const auto serial = chamber.staticCast<ModbusChamberSimulation>();
         QCOMPARE(serial->getSerialPortName() + ':' + QString::number(serial->getServerAddress()), address);
     }
 
-    auto const device = chamber->getSimulationReader().dynamicCast<SimulationDevice>();
+    const auto device = chamber->getSimulationReader().dynamicCast<SimulationDevice>();
     QVERIFY(device);
-    QList<QSharedPointer<SimulationReader>> const children = device->getChildren();
+    const QList<QSharedPointer<SimulationReader>> children = device->getChildren();
     QCOMPARE(children.size(), image.isEmpty() ? 1 : 2);
-    QByteArray const firstClass = typeid(*children.first()).name();
+    const QByteArray firstClass = typeid(*children.first()).name();
     QVERIFY2(firstClass.contains(image.isEmpty() ? "SimulationSignal" : image), firstClass.constData());
 }
 
@@ -194,19 +195,19 @@ void TestChamberFleet::readerOfAType()
     QFETCH(int, address);
     QFETCH(QVariant, value);
     StreamCapture console(consoleOutput());
-    QSharedPointer<ChamberSimulation> const chamber = getSimulationByChamberConfigId(readerType(), "127.0.58.10");
+    const QSharedPointer<ChamberSimulation> chamber = getSimulationByChamberConfigId(readerType(), "127.0.58.10");
     QVERIFY(chamber);
     // Only the signals that take a value first, by key, are printed; the
     // deferred ones follow, but not the set point PV_A took in, nor a second PV_B.
     QCOMPARE(console.text(), QByteArray("Adding Signal PV_B\r\nAdding Signal SPPV_C\r\nAdding Signal PV_A\r\n"));
     QStringList names;
-    for (auto const& child : chamber->getSimulationReader().staticCast<SimulationDevice>()->getChildren()) {
-        if (auto const signal = child.dynamicCast<SimulationSignal>())
+    for (const auto& child : chamber->getSimulationReader().staticCast<SimulationDevice>()->getChildren()) {
+        if (const auto signal = child.dynamicCast<SimulationSignal>())
             names << signal->getSignalNames().join('+');
     }
     QCOMPARE(names.join(' '), QStringLiteral("PV_B SPPV_C PV_A+SP_A SP_Alone X"));
 
-    QVariant const read = chamber->getSimulationReader()->read(address);
+    const QVariant read = chamber->getSimulationReader()->read(address);
     QCOMPARE(read.userType(), value.userType());
     QCOMPARE(read, value);
 }
@@ -216,9 +217,9 @@ void TestChamberFleet::readerOfAType()
 void TestChamberFleet::chambersOfOneTypeShareNothing()
 {
     StreamCapture console(consoleOutput());
-    ChamberTypeData const type = readerType();
-    QSharedPointer<ChamberSimulation> const first = getSimulationByChamberConfigId(type, "127.0.58.12");
-    QSharedPointer<ChamberSimulation> const second = getSimulationByChamberConfigId(type, "127.0.58.13");
+    const ChamberTypeData type = readerType();
+    const QSharedPointer<ChamberSimulation> first = getSimulationByChamberConfigId(type, "127.0.58.12");
+    const QSharedPointer<ChamberSimulation> second = getSimulationByChamberConfigId(type, "127.0.58.13");
     QVERIFY(first->getSimulationReader()->write(0x70, 7));
     QCOMPARE(first->getSimulationReader()->read(0x70), QVariant(7));
     QCOMPARE(second->getSimulationReader()->read(0x70), QVariant(0));

@@ -21,35 +21,40 @@ using namespace zelmor::testsupport;
 
 namespace {
 
-QByteArray const linkTest = "CANIDGetValue:10010010\r\n";
-QByteArray const linkAnswer = "41\r\nCANIDGetValue:10010010:Communication OK\r\n";
-QByteArray const readingDefault = "Reading database in default folders\r\n";
-QString const extractFile = QStringLiteral("sqlextract.sql");
+const QByteArray linkTest = "CANIDGetValue:10010010\r\n";
+const QByteArray linkAnswer = "41\r\nCANIDGetValue:10010010:Communication OK\r\n";
+const QByteArray readingDefault = "Reading database in default folders\r\n";
+const QString extractFile = QStringLiteral("sqlextract.sql");
 // The float 23.3 (41BA6666) as a Modbus register pair, low word first.
-QByteArray const temperatureWords = QByteArray::fromHex("666641ba");
+const QByteArray temperatureWords = QByteArray::fromHex("666641ba");
 
-QByteArray startLine(QByteArray const& typeName, QByteArray const& address)
+QByteArray startLine(const QByteArray& typeName, const QByteArray& address)
 {
     return "Start TLX simulation " + typeName + " on " + address + ":9000\r\n";
 }
 
-QByteArray tunnelledStartLine(QByteArray const& typeName, QByteArray const& converter, int slave)
+QByteArray tunnelledStartLine(const QByteArray& typeName, const QByteArray& converter, int slave)
 {
     return "Start Modbus RTU over TCP simulation " + typeName + " on " + converter
            + " Modbus Address: " + QByteArray::number(slave) + "\r\n";
 }
 
 // The row of the extract file for the index-th chamber of a fleet whose ids start at firstId.
-QString extractRow(int firstId, int index, int type, QString const& name, QString const& address, QString const& mac,
-                   int slave, char const* protocol)
+QString extractRow(int firstId, int index, int type, const QString& name, const QString& address, const QString& mac,
+                   int slave, const char* protocol)
 {
     return QStringLiteral("INSERT INTO \"chamber\" VALUES(%1,%2,%2,'666-%3',0,1,'%4','%5',NULL,'%6',%7,"
                           "NULL,NULL,NULL,NULL,NULL,%8);\n")
-        .arg(firstId + index).arg(type).arg(100000 + index).arg(name, address, mac).arg(slave).arg(protocol);
+        .arg(firstId + index)
+        .arg(type)
+        .arg(100000 + index)
+        .arg(name, address, mac)
+        .arg(slave)
+        .arg(protocol);
 }
 
 // A tunnelled chamber's answer to a read of two input registers; empty when silent.
-QByteArray readTunnelled(NetworkNamespace const& space, QString const& converter, int slave, quint16 address)
+QByteArray readTunnelled(const NetworkNamespace& space, const QString& converter, int slave, quint16 address)
 {
     QTcpSocket client;
     if (!client.setSocketDescriptor(space.connectedTcpSocket(converter, 10001)))
@@ -62,18 +67,19 @@ QByteArray readTunnelled(NetworkNamespace const& space, QString const& converter
 }
 
 // The reply of a responder to an empty datagram; empty when none comes.
-QByteArray search(NetworkNamespace const& space, QString const& address, quint16 port)
+QByteArray search(const NetworkNamespace& space, const QString& address, quint16 port)
 {
     QUdpSocket udp;
-    if (!udp.setSocketDescriptor(space.boundUdpSocket(address)) || udp.writeDatagram("", QHostAddress(address), port) != 0)
+    if (!udp.setSocketDescriptor(space.boundUdpSocket(address))
+        || udp.writeDatagram("", QHostAddress(address), port) != 0)
         return "not sent";
     return udp.waitForReadyRead(1000) ? udp.receiveDatagram().data() : QByteArray();
 }
 
 // The chamber answers on its own address, its responder names it with the
 // hardware address of the interface that carries it.
-void checkChamber(NetworkNamespace const& space, QByteArray const& address, QString const& mac,
-                  QByteArray const& typeName)
+void checkChamber(const NetworkNamespace& space, const QByteArray& address, const QString& mac,
+                  const QByteArray& typeName)
 {
     TlxClient client;
     QVERIFY2(client.connectTo(QString::fromLatin1(address), &space), address.constData());
@@ -107,7 +113,7 @@ private slots:
 
 private:
     // The veth ends carry these addresses.
-    Fleet launch(QStringList const& onFa, QStringList const& onFb, QStringList const& arguments);
+    Fleet launch(const QStringList& onFa, const QStringList& onFb, const QStringList& arguments);
 
     TestDatabase databases;
     QString catalogue;
@@ -115,7 +121,7 @@ private:
     Fleet instances;
 };
 
-Fleet TestChamberFleetEndToEnd::launch(QStringList const& onFa, QStringList const& onFb, QStringList const& arguments)
+Fleet TestChamberFleetEndToEnd::launch(const QStringList& onFa, const QStringList& onFb, const QStringList& arguments)
 {
     Fleet fleet{std::make_unique<NetworkNamespace>(onFa, onFb)};
     if (fleet.space->lastError().isEmpty() && fleet.simulator->installCatalogue(catalogue)) {
@@ -140,20 +146,20 @@ void TestChamberFleetEndToEnd::initTestCase()
 
 void TestChamberFleetEndToEnd::instancesFleet()
 {
-    QString const mac = instances.space->macAddress();
+    const QString mac = instances.space->macAddress();
     QVERIFY(!mac.isEmpty());
     QVERIFY(instances.simulator->waitUntilIdle());
     QString rows;
     QByteArray starts;
     for (int index = 0; index < 3; ++index) {
-        QString const address = QStringLiteral("10.201.0.%1").arg(index + 1);
+        const QString address = QStringLiteral("10.201.0.%1").arg(index + 1);
         rows += extractRow(1000, index, 9, "KBF 240 E6 at " + address, address, mac, 0, "4,-1");
         starts += startLine("KBF 240 E6", address.toLatin1());
     }
     QCOMPARE(instances.simulator->foldedOutput(), readingDefault + QByteArray(30, '+') + starts);
     QCOMPARE(QString::fromUtf8(instances.simulator->documentsFile(extractFile)), rows);
 
-    for (QByteArray const address : {"10.201.0.1", "10.201.0.2", "10.201.0.3"})
+    for (const QByteArray address : {"10.201.0.1", "10.201.0.2", "10.201.0.3"})
         checkChamber(*instances.space, address, mac, "KBF 240 E6");
     // The address of the other subnet serves nothing.
     QCOMPARE(instances.space->connectedTcpSocket(QStringLiteral("10.202.0.1"), 9000), qintptr(-1));
@@ -172,24 +178,30 @@ void TestChamberFleetEndToEnd::automaticFleet()
         addresses << QStringLiteral("10.206.0.%1/24").arg(host);
     // The selector isn't held by the machine, it picks the subnet on "fa";
     // -m, -n, -i and the type words play no part.
-    auto const [space, simulator] =
+    const auto [space, simulator] =
         launch(addresses, {"10.203.0.1/24"}, {"-a10.206.0.77", "-m12", "-n1", "kv2", "-i10.203.0.1"});
 
     // Protocol "4,-1": TLX, "3,-1": Modbus TCP, "1,0": tunnelled.
-    struct Chamber { int type; char const* name; int host; int slave; char const* protocol; };
-    QList<Chamber> const fleet{{1, "HX 60 Z6", 1, 0, "4,-1"},     {2, "HX 120 Z6", 2, 0, "4,-1"},
-                               {9, "KBF 240 E6", 3, 0, "4,-1"},   {11, "WIK", 4, 0, "4,-1"},
-                               {12, "KBF 720 E6", 5, 0, "4,-1"},  {30, "MKF 115 E2", 6, 1, "1,0"},
-                               {31, "MKF 240 E2", 7, 0, "3,-1"},  {40, "KMF 240 E5", 6, 2, "1,0"},
-                               {50, "TSC 150 Z4", 6, 3, "1,0"},   {60, "VT 4021 Z3", 6, 4, "1,0"},
-                               {61, "VT 4034 Z3", 6, 5, "1,0"},   {62, "VT 4060 Z3", 6, 6, "1,0"},
-                               {70, "VCL 4010 Z5", 6, 7, "1,0"},  {247, "VC 7034 Z2", 8, 0, "3,-1"}};
-    QString const mac = space->macAddress();
+    struct Chamber
+    {
+        int type;
+        const char* name;
+        int host;
+        int slave;
+        const char* protocol;
+    };
+    const QList<Chamber> fleet{
+        {1, "HX 60 Z6", 1, 0, "4,-1"},    {2, "HX 120 Z6", 2, 0, "4,-1"},   {9, "KBF 240 E6", 3, 0, "4,-1"},
+        {11, "WIK", 4, 0, "4,-1"},        {12, "KBF 720 E6", 5, 0, "4,-1"}, {30, "MKF 115 E2", 6, 1, "1,0"},
+        {31, "MKF 240 E2", 7, 0, "3,-1"}, {40, "KMF 240 E5", 6, 2, "1,0"},  {50, "TSC 150 Z4", 6, 3, "1,0"},
+        {60, "VT 4021 Z3", 6, 4, "1,0"},  {61, "VT 4034 Z3", 6, 5, "1,0"},  {62, "VT 4060 Z3", 6, 6, "1,0"},
+        {70, "VCL 4010 Z5", 6, 7, "1,0"}, {247, "VC 7034 Z2", 8, 0, "3,-1"}};
+    const QString mac = space->macAddress();
     QByteArray starts;
     QString rows;
     for (int index = 0; index < fleet.size(); ++index) {
-        Chamber const& chamber = fleet.at(index);
-        QByteArray const address = "10.206.0." + QByteArray::number(chamber.host);
+        const Chamber& chamber = fleet.at(index);
+        const QByteArray address = "10.206.0." + QByteArray::number(chamber.host);
         if (chamber.slave > 0)
             starts += tunnelledStartLine(chamber.name, address, chamber.slave);
         else if (chamber.protocol[0] == '3')
@@ -200,7 +212,7 @@ void TestChamberFleetEndToEnd::automaticFleet()
     }
     QVERIFY2(simulator->waitForOutput(starts + starts), qPrintable(space->lastError() + simulator->standardOutput()));
     QVERIFY(simulator->waitUntilIdle());
-    QByteArray const output = simulator->foldedOutput();
+    const QByteArray output = simulator->foldedOutput();
     QVERIFY2(output.startsWith(readingDefault + '+') && output.endsWith(starts + starts), output.constData());
     QCOMPARE(QString::fromUtf8(simulator->documentsFile(extractFile)), rows);
 
@@ -211,10 +223,10 @@ void TestChamberFleetEndToEnd::automaticFleet()
     checkChamber(*space, "10.206.0.5", mac, "KBF 720 E6");
     QCOMPARE(readTunnelled(*space, "10.206.0.6", 1, 0x1000), withCrc("\x01\x04\x04" + temperatureWords));
     QCOMPARE(readTunnelled(*space, "10.206.0.6", 7, 0x500), withCrc("\x07\x04\x04" + temperatureWords));
-    for (QString const address : {"10.206.0.7", "10.206.0.8", "10.206.0.9", "10.203.0.1"}) {
+    for (const QString address : {"10.206.0.7", "10.206.0.8", "10.206.0.9", "10.203.0.1"}) {
         for (quint16 port : {9000, 502, 10001}) {
             QTcpSocket client;
-            bool const modbusTcp = port == 502 && QStringList{"10.206.0.7", "10.206.0.8"}.contains(address);
+            const bool modbusTcp = port == 502 && QStringList{"10.206.0.7", "10.206.0.8"}.contains(address);
             QCOMPARE(client.setSocketDescriptor(space->connectedTcpSocket(address, port)), modbusTcp);
         }
     }
@@ -227,13 +239,13 @@ void TestChamberFleetEndToEnd::automaticFleet()
 // addresses have run out.
 void TestChamberFleetEndToEnd::tunnelledInstances()
 {
-    auto const [space, simulator] = launch({"10.205.0.1/24", "10.205.0.2/24"}, {}, {"-m60", "-n200", "-i10.205.0.1"});
-    QString const mac = space->macAddress();
+    const auto [space, simulator] = launch({"10.205.0.1/24", "10.205.0.2/24"}, {}, {"-m60", "-n200", "-i10.205.0.1"});
+    const QString mac = space->macAddress();
     QByteArray starts;
     QString rows;
     for (int index = 0; index <= 100; ++index) {
-        QString const converter = index < 100 ? QStringLiteral("10.205.0.1") : QStringLiteral("10.205.0.2");
-        int const slave = index % 100 + 1;
+        const QString converter = index < 100 ? QStringLiteral("10.205.0.1") : QStringLiteral("10.205.0.2");
+        const int slave = index % 100 + 1;
         starts += tunnelledStartLine("VT 4021 Z3", converter.toLatin1(), slave);
         rows += extractRow(1000, index, 60, index == 0 ? "VT 4021 Z3 at 10.205.0.1" : "VT 4021 Z3 at 10.205.0.2",
                            converter, mac, slave, "1,0");
@@ -245,9 +257,9 @@ void TestChamberFleetEndToEnd::tunnelledInstances()
     QCOMPARE(QString::fromUtf8(simulator->documentsFile(extractFile)), rows);
 
     // Each converter answers its slaves only, and has one Wut responder.
-    QByteArray const searchReply = QByteArray(22, '\0') + QByteArray::fromHex(mac.toLatin1().replace(':', ""));
-    for (auto const& [converter, slaves] : {std::pair{QStringLiteral("10.205.0.1"), 100},
-                                             std::pair{QStringLiteral("10.205.0.2"), 1}}) {
+    const QByteArray searchReply = QByteArray(22, '\0') + QByteArray::fromHex(mac.toLatin1().replace(':', ""));
+    for (const auto& [converter, slaves] :
+         {std::pair{QStringLiteral("10.205.0.1"), 100}, std::pair{QStringLiteral("10.205.0.2"), 1}}) {
         for (int slave : {1, slaves})
             QCOMPARE(readTunnelled(*space, converter, slave, 0x300),
                      withCrc(QByteArray(1, char(slave)) + "\x04\x04" + temperatureWords));
@@ -268,9 +280,10 @@ void TestChamberFleetEndToEnd::badInputOnTheWire_data()
     QTest::newRow("random bytes") << random << 1 << 1 << false;
     QTest::newRow("a very long line") << QByteArray(8 << 20, 'A') << 1 << 1 << false;
     // Near misses everywhere: a search that tried every position would be quadratic.
-    QTest::newRow("near misses") << QByteArray("CANIDWriteValue:11700000:x").repeated((1 << 20) / 26) << 1 << 1 << false;
-    QTest::newRow("a very long write value") << "CANIDWriteValue:11700000:" + QByteArray(4 << 20, '7') + "\r\n" << 1
-                                             << 1 << false;
+    QTest::newRow("near misses") << QByteArray("CANIDWriteValue:11700000:x").repeated((1 << 20) / 26) << 1 << 1
+                                 << false;
+    QTest::newRow("a very long write value") << "CANIDWriteValue:11700000:" + QByteArray(4 << 20, '7') + "\r\n"
+                                             << 1 << 1 << false;
     QTest::newRow("silent half-open connections") << QByteArray("CANIDGetVal") << 50 << 1 << false;
     QTest::newRow("request, then gone") << linkTest << 20 << 1 << true;
     QTest::newRow("many requests, never read") << linkTest << 1 << 2000 << false;
@@ -285,7 +298,7 @@ void TestChamberFleetEndToEnd::badInputOnTheWire()
     QFETCH(int, connections);
     QFETCH(int, repeats);
     QFETCH(bool, abort);
-    QString const target = QStringLiteral("10.201.0.1");
+    const QString target = QStringLiteral("10.201.0.1");
     TlxClient other;
     QVERIFY(other.connectTo(QStringLiteral("10.201.0.2"), instances.space.get()));
 

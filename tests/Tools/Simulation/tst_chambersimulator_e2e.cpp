@@ -25,11 +25,11 @@ using zelmor::testsupport::TlxClient;
 
 namespace {
 
-QByteArray const linkTest = "CANIDGetValue:10010010\r\n";
-QByteArray const linkAnswer = "41\r\nCANIDGetValue:10010010:Communication OK\r\n";
-QByteArray const error = "07\r\nError\r\n";
-QByteArray const readingDefault = "Reading database in default folders\r\n";
-QByteArray const usage = "Usage: \n [-iXXXX] XXXX=IPAddress\n [-pXXXX] XXXX=Internet Port\n"
+const QByteArray linkTest = "CANIDGetValue:10010010\r\n";
+const QByteArray linkAnswer = "41\r\nCANIDGetValue:10010010:Communication OK\r\n";
+const QByteArray error = "07\r\nError\r\n";
+const QByteArray readingDefault = "Reading database in default folders\r\n";
+const QByteArray usage = "Usage: \n [-iXXXX] XXXX=IPAddress\n [-pXXXX] XXXX=Internet Port\n"
                          " [tlx] creates a TLX chamber\n [kv2] creates a TLX chamber\n"
                          " [-mXXX] creates a chamber based on the database id XXX\n"
                          " [-nXXX] creates XXX instances of chambers\n [-xXXX] Defines the value file\n";
@@ -41,27 +41,27 @@ QString address(int host)
 
 // The output of a single chamber, signal lines folded: their choice is the
 // fleet test's business.
-QByteArray started(int signalCount, QByteArray const& typeName, int host)
+QByteArray started(int signalCount, const QByteArray& typeName, int host)
 {
     return readingDefault + QByteArray(signalCount, '+') + "Start TLX simulation " + typeName + " on "
            + address(host).toLatin1() + ":9000\r\n";
 }
 
 // A request and its framed answer.
-QByteArrayList get(QByteArray const& identifier, QByteArray const& value)
+QByteArrayList get(const QByteArray& identifier, const QByteArray& value)
 {
-    QByteArray const body = "CANIDGetValue:" + identifier + ':' + value + "\r\n";
+    const QByteArray body = "CANIDGetValue:" + identifier + ':' + value + "\r\n";
     return {"CANIDGetValue:" + identifier + "\r\n", QByteArray::number(body.size()) + "\r\n" + body};
 }
-QByteArrayList set(QByteArray const& identifier, QByteArray const& value)
+QByteArrayList set(const QByteArray& identifier, const QByteArray& value)
 {
-    QByteArray const request = "CANIDWriteValue:" + identifier + ':' + value + "\r\n";
+    const QByteArray request = "CANIDWriteValue:" + identifier + ':' + value + "\r\n";
     return {request, QByteArray::number(request.size()) + "\r\n" + request};
 }
 
 // The chambers shared by the wire tests: host -> arguments. Host 1 is only
 // read, so that its values stay at their defaults; host 5 takes the writes.
-std::map<int, QStringList> const sharedChambers = {
+const std::map<int, QStringList> sharedChambers = {
     {1, {"tlx", "-i127.0.57.1"}},
     {3, {"-m12", "-i127.0.57.3"}},
     {5, {"-i127.0.57.5", "tlx"}},
@@ -98,7 +98,7 @@ private:
 void TestChamberSimulatorEndToEnd::initTestCase()
 {
     catalogue = zelmor::testsupport::createSampleCatalogue(databases);
-    QString const otherKey = QStringLiteral("ffeeddccbbaa99887766554433221100");
+    const QString otherKey = QStringLiteral("ffeeddccbbaa99887766554433221100");
     wrongKeyCatalogue = databases.createEncrypted(QStringLiteral("wrongkey.sqlite3"), "CREATE TABLE t(a);", otherKey);
     QVERIFY2(!catalogue.isEmpty() && !wrongKeyCatalogue.isEmpty(), qPrintable(databases.lastError()));
     // The tools started here inherit a low soft limit of open files.
@@ -110,7 +110,7 @@ void TestChamberSimulatorEndToEnd::initTestCase()
 
     sinceStart.start();
     // Host 5 comes last: its times are the ones kept for the lag.
-    for (auto const& [host, arguments] : sharedChambers) {
+    for (const auto& [host, arguments] : sharedChambers) {
         auto& simulator = chambers[host] = std::make_unique<SimulatorProcess>();
         QVERIFY(simulator->installCatalogue(catalogue));
         host5StartedMs = sinceStart.elapsed();
@@ -126,7 +126,7 @@ void TestChamberSimulatorEndToEnd::exchanges_data()
 {
     QTest::addColumn<int>("host");
     QTest::addColumn<QList<QByteArrayList>>("exchanges");
-    auto row = [](char const* name, int host, QList<QByteArrayList> const& exchanges) {
+    auto row = [](const char* name, int host, const QList<QByteArrayList>& exchanges) {
         QTest::newRow(name) << host << exchanges;
     };
     // Every value type of the sample's TLX types, at its default.
@@ -155,8 +155,7 @@ void TestChamberSimulatorEndToEnd::exchanges_data()
     row("control word takes a write at once", 5, {set("11700000", "5"), get("11700000", "5")});
     // The humidity set point's manual register is a second write address of
     // its process value: known to a write, written through to the first.
-    row("float set point through an alias", 5,
-        {set("11400181", "55"), get("11400181", "55"), get("11400281", "55")});
+    row("float set point through an alias", 5, {set("11400181", "55"), get("11400181", "55"), get("11400281", "55")});
     row("float process value: no write", 5, {{"CANIDWriteValue:11400080:40\r\n", error}});
     row("read-only bool refuses, echoed all the same", 5, {set("11500020", "1"), get("11500020", "false")});
     row("write to an unknown identifier", 5, {{"CANIDWriteValue:12345678:1\r\n", error}});
@@ -167,7 +166,7 @@ void TestChamberSimulatorEndToEnd::exchanges()
 {
     QFETCH(int, host);
     QFETCH(QList<QByteArrayList>, exchanges);
-    for (QByteArrayList const& exchange : exchanges) {
+    for (const QByteArrayList& exchange : exchanges) {
         TlxClient::Answer const answer = clients.at(host)->request(exchange.at(0));
         QCOMPARE(answer.frame, exchange.at(1));
         QVERIFY2(answer.elapsedNs >= 20 * 1000 * 1000, qPrintable(QString::number(answer.elapsedNs)));
@@ -183,20 +182,20 @@ void TestChamberSimulatorEndToEnd::processValueFollowsTheLag()
     TlxClient& tlx = *clients.at(5);
     QCOMPARE(tlx.request("CANIDWriteValue:11400180:40\r\n").frame, QByteArray("29\r\nCANIDWriteValue:11400180:40\r\n"));
     QCOMPARE(tlx.request("CANIDGetValue:11400180\r\n").frame, QByteArray("27\r\nCANIDGetValue:11400180:40\r\n"));
-    QByteArray const atRest = "43\r\nCANIDGetValue:11400080:23.299999237060547\r\n";
+    const QByteArray atRest = "43\r\nCANIDGetValue:11400080:23.299999237060547\r\n";
     QByteArray frame = atRest;
     qint64 sentMs = 0;
-    QTRY_VERIFY_WITH_TIMEOUT((sentMs = sinceStart.elapsed(), frame = tlx.request("CANIDGetValue:11400080\r\n").frame,
-                              frame != atRest),
-                             15000);
-    qint64 const answeredMs = sinceStart.elapsed();
+    QTRY_VERIFY_WITH_TIMEOUT(
+        (sentMs = sinceStart.elapsed(), frame = tlx.request("CANIDGetValue:11400080\r\n").frame, frame != atRest),
+        15000);
+    const qint64 answeredMs = sinceStart.elapsed();
     QVERIFY2(frame.mid(4).startsWith("CANIDGetValue:11400080:"), frame.constData());
-    float const value = frame.mid(4 + 23).trimmed().toFloat();
+    const float value = frame.mid(4 + 23).trimmed().toFloat();
 
     auto lagged = [](double seconds) { return 40.0 - 16.7 * std::exp(-seconds / 360.3); };
     // The last step was taken less than a second before the read.
-    double const fewest = (sentMs - 1000 - host5StartLineMs) / 1000.0;
-    double const most = (answeredMs - host5StartedMs) / 1000.0;
+    const double fewest = (sentMs - 1000 - host5StartLineMs) / 1000.0;
+    const double most = (answeredMs - host5StartedMs) / 1000.0;
     QVERIFY2(value >= lagged(fewest) - 1e-4 && value <= lagged(most) + 1e-4,
              qPrintable(QStringLiteral("%1 not within %2..%3").arg(value).arg(lagged(fewest)).arg(lagged(most))));
 }
@@ -207,16 +206,16 @@ void TestChamberSimulatorEndToEnd::discovery()
     QVERIFY(socket.bind(QHostAddress(address(200)), 0));
     QVERIFY(socket.writeDatagram("hello", QHostAddress(address(5)), 9001) == 5);
     QVERIFY(socket.waitForReadyRead(5000));
-    QNetworkDatagram const reply = socket.receiveDatagram();
+    const QNetworkDatagram reply = socket.receiveDatagram();
     // No interface but the loopback carries the address: the hardware address is zeros.
-    QByteArray const expected = "IP:127.0.57.5 Port:9001 MAC:00:00:00:00:00:00\tChambertype:HX 60 Z6\t"
+    const QByteArray expected = "IP:127.0.57.5 Port:9001 MAC:00:00:00:00:00:00\tChambertype:HX 60 Z6\t"
                                 "Controllertype:TLX\tCOMType:TLXDirect\tProgramController:False\r\n";
     QCOMPARE(reply.data(), expected);
     QCOMPARE(reply.senderAddress(), QHostAddress(address(5)));
     QCOMPARE(reply.senderPort(), 9001);
 
-    QByteArray const sender = address(200).toLatin1() + ':' + QByteArray::number(socket.localPort());
-    QByteArray const lines = "UDP Request hello from " + sender + "\r\nSender:" + sender + " \r\n" + expected + "\r\n";
+    const QByteArray sender = address(200).toLatin1() + ':' + QByteArray::number(socket.localPort());
+    const QByteArray lines = "UDP Request hello from " + sender + "\r\nSender:" + sender + " \r\n" + expected + "\r\n";
     QVERIFY2(chambers.at(5)->waitForOutput(lines, 5000), chambers.at(5)->standardOutput().constData());
 }
 
@@ -226,8 +225,8 @@ void TestChamberSimulatorEndToEnd::startsWithoutDisplayAndRaisesTheFileLimit()
 {
     QFile limits(QStringLiteral("/proc/%1/limits").arg(chambers.at(1)->processId()));
     QVERIFY(limits.open(QIODevice::ReadOnly));
-    QByteArray const text = limits.readAll();
-    QByteArray const hard = QByteArray::number(qulonglong(hardFileLimit));
+    const QByteArray text = limits.readAll();
+    const QByteArray hard = QByteArray::number(qulonglong(hardFileLimit));
     QVERIFY2(text.simplified().contains("Max open files " + hard + ' ' + hard + " files"), text.constData());
 }
 
@@ -237,18 +236,18 @@ void TestChamberSimulatorEndToEnd::commandLine_data()
     QTest::addColumn<QString>("catalogueAt"); // relative to the working folder; empty: none
     // QSettings keeps the group "General" under the section name "[%General]".
     QTest::addColumn<QByteArray>("ini");
-    QTest::addColumn<int>("exitCode"); // -1: keeps running
-    QTest::addColumn<QByteArray>("output"); // all of standard output, signals folded
+    QTest::addColumn<int>("exitCode");            // -1: keeps running
+    QTest::addColumn<QByteArray>("output");       // all of standard output, signals folded
     QTest::addColumn<QByteArrayList>("exchange"); // with the chamber of the start line, when not empty
 
-    QString const inDefault = QStringLiteral("database/configuration.sqlite3");
+    const QString inDefault = QStringLiteral("database/configuration.sqlite3");
     // The process folds main's -1 into 255.
-    int const notOpened = 255;
-    auto row = [](char const* name, QStringList const& arguments, QString const& catalogueAt, int exitCode,
-                  QByteArray const& output, QByteArrayList const& exchange = {}, QByteArray const& ini = {}) {
+    const int notOpened = 255;
+    auto row = [](const char* name, const QStringList& arguments, const QString& catalogueAt, int exitCode,
+                  const QByteArray& output, const QByteArrayList& exchange = {}, const QByteArray& ini = {}) {
         QTest::newRow(name) << arguments << catalogueAt << ini << exitCode << output << exchange;
     };
-    QByteArrayList const link{linkTest, linkAnswer};
+    const QByteArrayList link{linkTest, linkAnswer};
     row("-h behind others, no database touched", {"tlx", "-i127.0.57.20", "-n3", "-h"}, "", 0, usage);
     row("-h in front", {"-h", "tlx"}, "", 0, usage);
     row("missing database; -help is no -h", {"-help"}, "", notOpened, readingDefault);
@@ -282,7 +281,7 @@ void TestChamberSimulatorEndToEnd::commandLine()
     QFETCH(QByteArrayList, exchange);
 
     SimulatorProcess simulator;
-    bool const wrongKey = QTest::currentDataTag() == QByteArray("wrong key");
+    const bool wrongKey = QTest::currentDataTag() == QByteArray("wrong key");
     if (!catalogueAt.isEmpty())
         QVERIFY(simulator.installCatalogue(wrongKey ? wrongKeyCatalogue : catalogue, catalogueAt));
     if (!ini.isEmpty())

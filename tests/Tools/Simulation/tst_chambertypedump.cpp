@@ -93,9 +93,10 @@ private slots:
         QTest::addColumn<QString>("text");
         QTest::addColumn<bool>("whole"); // else a piece of the text
         QTest::addColumn<QString>("expected");
-        auto const dumped = [this](char const* name) { return readFile(documents + QLatin1Char('/') + name); };
+        const auto dumped = [this](const char* name) { return readFile(documents + QLatin1Char('/') + name); };
 
-        QTest::newRow("TLX type without state, size and variant") << dumped("config/Config_11.txt") << true
+        QTest::newRow("TLX type without state, size and variant")
+            << dumped("config/Config_11.txt") << true
             << "Qualified Name: WIK\n"
                "Name: WIK\n"
                "Develpment State: \n"
@@ -116,20 +117,23 @@ private slots:
         QTest::newRow("number without a type") << dumped("config/Config_4.txt") << true << emptyDump;
         // Type 2 has two variants and the walk asks for none of them.
         QTest::newRow("type with two variants") << dumped("config/Config_2.txt") << true << emptyDump;
-        QTest::newRow("light units, a register without a type text") << dumped("config/Config_9.txt") << false
+        QTest::newRow("light units, a register without a type text")
+            << dumped("config/Config_9.txt") << false
             << "Signal name : PV_Light_Dose id: 155 Signal Unit:mLuxh\n"
                " Read Address: 11400092, RO, NA, Light dose\n"
                "Signal name : PV_UV_Irradiance id: 156 Signal Unit:Wm²\n";
-        QTest::newRow("a signal without registers, last") << dumped("config/Config_9.txt") << false
+        QTest::newRow("a signal without registers, last")
+            << dumped("config/Config_9.txt") << false
             << "Signal name : PV_Dew_Point id: 158 Signal Unit:Celsius\nProtocol: TLX\n";
-        QTest::newRow("every write register, in order") << dumped("config/Config_30.txt") << false
+        QTest::newRow("every write register, in order")
+            << dumped("config/Config_30.txt") << false
             << " Wr M Address: 1100, RW, Float, Temperature set point\n"
                " Wr B Address: 1120, WO, Float, Temperature basic set point\n"
                " Wr A Address: 1110, WO, Float, Temperature set point, program\n";
         QTest::newRow("no unit, tunnelled") << dumped("config/Config_30.txt") << false
-            << "Signal name : PV_Operating_Hours id: 331 Signal Unit:INVALID\n"
-               " Read Address: 1220, RO, NA, Operating hours\n"
-               "Protocol: MODBUS_RTU_TUNNEL\n";
+                                            << "Signal name : PV_Operating_Hours id: 331 Signal Unit:INVALID\n"
+                                               " Read Address: 1220, RO, NA, Operating hours\n"
+                                               "Protocol: MODBUS_RTU_TUNNEL\n";
         // Signal 151 of type 12 links set point 153, which only type 9 has.
         QTest::newRow("broken set point links") << dumped("WrongChambers.txt") << true << "12 : 153 \n";
         // Unit texts of the dump's own spelling, and what the sample doesn't show.
@@ -189,6 +193,7 @@ INSERT INTO chamber_type_has_signal VALUES (1934, 1), (1934, 5), (1935, 3);
         QCOMPARE(QDir(documents).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
                  QStringList{QStringLiteral("WrongChambers.txt")});
     }
+
 private:
     bool prepareDocuments(bool withConfig)
     {

@@ -70,7 +70,7 @@ void TestEpollEventDispatcher::timersNeverEarly()
         while (fired.count() < ticks)
             QVERIFY(fired.wait(1000));
         for (int tick = 1; tick <= ticks; ++tick) {
-            qint64 const dueNs = qint64(tick) * intervalMs * 1000 * 1000;
+            const qint64 dueNs = qint64(tick) * intervalMs * 1000 * 1000;
             QVERIFY2(firedNs.at(tick - 1) >= dueNs, qPrintable(QString::number(firedNs.at(tick - 1))));
         }
         // Stopped is stopped: nothing more in five more intervals.
@@ -82,8 +82,8 @@ void TestEpollEventDispatcher::timerBookkeeping()
 {
     QObject owner;
     QAbstractEventDispatcher* const dispatcher = QAbstractEventDispatcher::instance();
-    int const first = owner.startTimer(10000);
-    int const second = owner.startTimer(500, Qt::VeryCoarseTimer);
+    const int first = owner.startTimer(10000);
+    const int second = owner.startTimer(500, Qt::VeryCoarseTimer);
     owner.startTimer(20);
     QCOMPARE(dispatcher->registeredTimers(&owner).size(), 3);
     QVERIFY(dispatcher->remainingTime(first) > 9000 && dispatcher->remainingTime(first) <= 10000);
@@ -124,7 +124,7 @@ void TestEpollEventDispatcher::socketsBesideABusyTimer()
         QTcpSocket client;
         client.connectToHost(server.serverAddress(), server.serverPort());
         QTRY_COMPARE(client.state(), QAbstractSocket::ConnectedState);
-        QByteArray const text = "round " + QByteArray::number(round) + '\n';
+        const QByteArray text = "round " + QByteArray::number(round) + '\n';
         client.write(text);
         QByteArray echoed;
         QTRY_COMPARE(echoed += client.readAll(), text);
@@ -140,7 +140,10 @@ void TestEpollEventDispatcher::postedEvents()
     QEventLoop loop;
     std::thread poster;
     QTimer::singleShot(0, this, [&] {
-        poster = std::thread([&loop] { QMetaObject::invokeMethod(&loop, [&loop] { loop.exit(7); }, Qt::QueuedConnection); });
+        poster = std::thread([&loop] {
+            QMetaObject::invokeMethod(
+                &loop, [&loop] { loop.exit(7); }, Qt::QueuedConnection);
+        });
     });
     QCOMPARE(loop.exec(), 7);
     poster.join();

@@ -45,18 +45,18 @@ private slots:
         QTest::addColumn<bool>("accepted");
         QTest::addColumn<QVariant>("afterWrite");
 
-        auto row = [](char const* name, Factory const& make, int address, QVariant const& initial, bool typed,
-                      int writeAddress, QVariant const& written, bool accepted, QVariant const& afterWrite) {
+        auto row = [](const char* name, const Factory& make, int address, const QVariant& initial, bool typed,
+                      int writeAddress, const QVariant& written, bool accepted, const QVariant& afterWrite) {
             QTest::newRow(name) << make << address << initial << typed << writeAddress << written << accepted
                                 << afterWrite;
         };
-        auto const temperature = factory<CanidTemperature>();
+        const auto temperature = factory<CanidTemperature>();
         row("CanidTemperature set", temperature, 0x114000C0, 222.2f, false, 0x114000C0, 30.0f, true, 30.0f);
         row("CanidTemperature process", temperature, 0x11400080, 263.4f, false, 0x11400080, 30.0f, false, 263.4f);
         row("CanidCo2 process", factory<CanidCo2>(), 0x11600B07, 0.0f, false, 0x116000C9, 30.0f, true, 0.0f);
         row("Kv2FanSpeed set", factory<Kv2FanSpeed>(), 4432, 60.0f, false, 4432, 30.0f, true, 30.0f);
         // The KV2 temperature mirrors its set point, read-only, at 4274.
-        auto const kv2Temperature = factory<Kv2Temperature>();
+        const auto kv2Temperature = factory<Kv2Temperature>();
         row("Kv2Temperature process", kv2Temperature, 4100, 266.0f, false, 4274, 30.0f, false, 266.0f);
         row("Kv2Temperature mirror", kv2Temperature, 4274, 256.0f, true, 4428, 30.0f, true, 30.0f);
         row("CanidDoorOpen", factory<CanidDoorOpen>(), 0x10010100, 4369, true, 0x10010100, 0, false, 4369);
@@ -77,7 +77,7 @@ private slots:
         QFETCH(bool, accepted);
         QFETCH(QVariant, afterWrite);
 
-        auto const reader = make();
+        const auto reader = make();
         QCOMPARE(reader->read(address), initial);
         QCOMPARE(reader->read(address).userType(), initial.userType());
         QCOMPARE(reader->getType(address), typed ? initial : QVariant());
@@ -95,7 +95,7 @@ private slots:
     {
         QCOMPARE(CanidTemperature().getTimeConstant(), 600.0f);
         QCOMPARE(Kv2FanSpeed().getTimeConstant(), 60.0f);
-        auto const value = Kv2Temperature().getChildren().value(0).dynamicCast<SimulationValueFloat>();
+        const auto value = Kv2Temperature().getChildren().value(0).dynamicCast<SimulationValueFloat>();
         QVERIFY(value && value->getTimeConstant() == 600.0f);
     }
 };

@@ -10,13 +10,16 @@ using zelmor::simulation::Kv2ProgramOption;
 
 namespace {
 
-QVariant word(quint16 value) { return QVariant::fromValue(value); }
+QVariant word(quint16 value)
+{
+    return QVariant::fromValue(value);
+}
 
 // The image's timers as the event loop holds them.
 QList<int> timersOf(QObject* object)
 {
     QList<int> ids;
-    for (auto const& timer : QAbstractEventDispatcher::instance()->registeredTimers(object))
+    for (const auto& timer : QAbstractEventDispatcher::instance()->registeredTimers(object))
         ids << timer.timerId;
     return ids;
 }
@@ -63,8 +66,8 @@ private slots:
                                        << QVariant("Andromeda Galaxy");
         QTest::newRow("selected 20") << 12292 << QVariant(20) << true << 17152 << QVariant("Whirlpool Galaxy");
         QTest::newRow("selected 21") << 12292 << QVariant(21) << true << 17152 << QVariant("Not defined 21");
-        QTest::newRow("selected 65536 wraps") << 12292 << QVariant(65536) << true << 17152
-                                              << QVariant("Andromeda Galaxy");
+        QTest::newRow("selected 65536 wraps")
+            << 12292 << QVariant(65536) << true << 17152 << QVariant("Andromeda Galaxy");
         QTest::newRow("selected text is 0") << 12292 << QVariant("two") << true << 12292 << word(0);
         QTest::newRow("start 0 does nothing") << 4425 << QVariant(0) << true << 4261 << word(1);
         QTest::newRow("stop with nothing running") << 4426 << QVariant(1) << true << 4261 << word(0);
@@ -80,7 +83,7 @@ private slots:
 
         Kv2ProgramOption image;
         QCOMPARE(image.write(address, value), accepted);
-        QVariant const readBack = image.read(readAddress);
+        const QVariant readBack = image.read(readAddress);
         QCOMPARE(readBack.userType(), expected.userType());
         QCOMPARE(readBack, expected);
     }
@@ -98,7 +101,7 @@ private slots:
             QCOMPARE(image.read(address), word(0));
         QCOMPARE(image.read(4426), word(1));
 
-        auto const timers = QAbstractEventDispatcher::instance()->registeredTimers(&image);
+        const auto timers = QAbstractEventDispatcher::instance()->registeredTimers(&image);
         QCOMPARE(timers.size(), 1);
         QCOMPARE(timers.first().interval, 1000);
         QCOMPARE(timers.first().timerType, Qt::CoarseTimer);
@@ -129,7 +132,7 @@ private slots:
         Kv2ProgramOption image;
         QCOMPARE(running(image), QStringLiteral("0 1 0 0"));
         QVERIFY(image.write(4425, QVariant(1)));
-        int const first = timersOf(&image).value(0);
+        const int first = timersOf(&image).value(0);
         tick(image, first, 10);
         QCOMPARE(running(image), QStringLiteral("1 10 3000 90"));
 
@@ -151,7 +154,7 @@ private slots:
         QVERIFY(image.write(4423, QVariant(30)));
         QVERIFY(image.write(4425, QVariant(1)));
         QCOMPARE(timersOf(&image).size(), 1);
-        int const timer = timersOf(&image).first();
+        const int timer = timersOf(&image).first();
         tick(image, timer, 99);
         QCOMPARE(running(image), QStringLiteral("31 10 2222 1"));
         tick(image, timer);

@@ -3,10 +3,10 @@
 #include "support/ClientProcess.h"
 #include "support/MapReader.h"
 
-#include <QtTest>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <QtTest>
 
 #include <memory>
 
@@ -36,9 +36,9 @@ private slots:
     void writesBackToReader();
 
 private:
-    QStringList request(QStringList const& operations);
+    QStringList request(const QStringList& operations);
 
-    QString const devicePath = QStringLiteral("/dev/COM62");
+    const QString devicePath = QStringLiteral("/dev/COM62");
     QTemporaryDir folder;
     QProcess terminals;
     QSharedPointer<MapReader> reader = QSharedPointer<MapReader>::create();
@@ -58,8 +58,8 @@ void TestModbusChamberSimulation::initTestCase()
     // The int at 4 is 0x00012345, both its registers get 2345; 5 lies inside
     // it and is never copied, nor is the unsigned short at 11. The float at 8
     // has the bits 3DCCCCCD. The int at 31 would have its second register at 32.
-    reader->values = {{4, 74565}, {5, true}, {8, 0.1f}, {10, true}, {11, QVariant::fromValue<ushort>(77)},
-                      {14, false}, {16, 0}, {18, 2.5f}, {31, -3}};
+    reader->values = {{4, 74565},  {5, true}, {8, 0.1f},  {10, true}, {11, QVariant::fromValue<ushort>(77)},
+                      {14, false}, {16, 0},   {18, 2.5f}, {31, -3}};
     chamber = std::make_unique<ModbusChamberSimulation>(QSharedPointer<ChamberTypeData>::create(), "COM62:7");
     chamber->setSimulationReader(reader);
     QVERIFY(chamber->start());
@@ -79,7 +79,7 @@ void TestModbusChamberSimulation::cleanupTestCase()
 // those two can't be seen here. The client's end is a terminal of its own.
 void TestModbusChamberSimulation::serialParameters()
 {
-    int const descriptor = ::open(qPrintable(devicePath), O_RDONLY | O_NOCTTY | O_NONBLOCK);
+    const int descriptor = ::open(qPrintable(devicePath), O_RDONLY | O_NOCTTY | O_NONBLOCK);
     termios settings{};
     QVERIFY(descriptor >= 0 && ::tcgetattr(descriptor, &settings) == 0);
     ::close(descriptor);
@@ -87,14 +87,14 @@ void TestModbusChamberSimulation::serialParameters()
     QCOMPARE(settings.c_cflag & CSTOPB, tcflag_t(0));
 }
 
-QStringList TestModbusChamberSimulation::request(QStringList const& operations)
+QStringList TestModbusChamberSimulation::request(const QStringList& operations)
 {
     return runModbusOperations("rtu:" + folder.filePath("client") + ":7", operations);
 }
 
 void TestModbusChamberSimulation::copyTowardsInputRegisters()
 {
-    QStringList const copied{"0 0 0 0 9029 9029 0 0 52429 52429 1 0", "65533", "exception 2"};
+    const QStringList copied{"0 0 0 0 9029 9029 0 0 52429 52429 1 0", "65533", "exception 2"};
     // The copy runs every 2 s on the chamber's own timer.
     QTRY_COMPARE_WITH_TIMEOUT(request({"input:0:12", "input:31:1", "input:32:1"}), copied, 10000);
     // The holding registers are never filled from the reader.
@@ -110,8 +110,8 @@ void TestModbusChamberSimulation::writesBackToReader_data()
     QTest::addColumn<QStringList>("operations");
     QTest::addColumn<QStringList>("replies");
     QTest::addColumn<QVariantList>("writes"); // address, value, ...
-    auto const row = [](char const* name, QStringList const& operations, QStringList const& replies,
-                        QVariantList const& writes = {}) { QTest::newRow(name) << operations << replies << writes; };
+    const auto row = [](const char* name, const QStringList& operations, const QStringList& replies,
+                        const QVariantList& writes = {}) { QTest::newRow(name) << operations << replies << writes; };
     row("int from two holding registers, low first", {"registers:16:0x5678:1", "holding:16:2"}, {"ok", "22136 1"},
         {16, 0x15678});
     // Qt signals no write when the table keeps its value.
@@ -131,7 +131,7 @@ void TestModbusChamberSimulation::writesBackToReader()
     reader->writes.clear();
     QCOMPARE(request(operations), replies);
     QVariantList written;
-    for (auto const& [address, value] : reader->writes)
+    for (const auto& [address, value] : reader->writes)
         written << address << value;
     QCOMPARE(written, writes);
 }

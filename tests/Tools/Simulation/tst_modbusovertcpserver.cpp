@@ -4,10 +4,10 @@
 #include "support/RtuOverTcp.h"
 #include "support/StreamCapture.h"
 
-#include <QtTest>
 #include <QNetworkDatagram>
 #include <QTcpSocket>
 #include <QUdpSocket>
+#include <QtTest>
 
 using namespace zelmor::simulation;
 using namespace zelmor::testsupport;
@@ -15,7 +15,7 @@ using namespace zelmor::testsupport;
 namespace {
 
 constexpr int port = 10001;
-QByteArray const sentinel = "sentinel";
+const QByteArray sentinel = "sentinel";
 
 // This binary's own loopback addresses, so that test binaries run side by side.
 QString address(int host)
@@ -26,9 +26,10 @@ QString address(int host)
 // A converter whose one listener answers every frame it hears with "R" and the frame.
 struct EchoConverter
 {
-    explicit EchoConverter(int host) : server(address(host), port)
+    explicit EchoConverter(int host)
+        : server(address(host), port)
     {
-        QObject::connect(&server, &ModbusOverTcpServer::dataReceived, &server, [this](QByteArray const& frame) {
+        QObject::connect(&server, &ModbusOverTcpServer::dataReceived, &server, [this](const QByteArray& frame) {
             heard << frame;
             server.write("R" + frame);
         });
@@ -67,15 +68,16 @@ void TestModbusOverTcpServer::calcCrc()
 // frames in one read passed as one; a frame split in halves dropped.
 void TestModbusOverTcpServer::oneReadIsOneFrame()
 {
-    QByteArray const frame = QByteArray::fromHex("010300000001840A");
-    QByteArray const wrongCrc = QByteArray::fromHex("0203000000010000");
+    const QByteArray frame = QByteArray::fromHex("010300000001840A");
+    const QByteArray wrongCrc = QByteArray::fromHex("0203000000010000");
     EchoConverter converter(1);
     QTcpSocket client;
     QVERIFY(connected(client, 1));
-    for (QByteArray const& bytes : {frame.left(7), frame, wrongCrc, frame + wrongCrc, frame.left(4), frame.mid(4), sentinel})
+    for (const QByteArray& bytes :
+         {frame.left(7), frame, wrongCrc, frame + wrongCrc, frame.left(4), frame.mid(4), sentinel})
         QVERIFY(deliver(client, bytes));
-    QByteArrayList const heard{frame, wrongCrc, frame + wrongCrc, sentinel};
-    QByteArray const replies = "R" + heard.join("R");
+    const QByteArrayList heard{frame, wrongCrc, frame + wrongCrc, sentinel};
+    const QByteArray replies = "R" + heard.join("R");
     QCOMPARE(receive(client, replies.size()), replies);
     QCOMPARE(converter.heard, heard);
 }
@@ -118,17 +120,19 @@ void TestModbusOverTcpServer::oneConverterForEachAddressAndPort()
     StreamCapture console(consoleOutput());
     QUdpSocket client;
     QVERIFY(client.bind(QHostAddress(address(200)), 0));
-    for (QByteArray const& datagram : {QByteArray(), QByteArray(300, '\xff')}) {
-        for (auto const& [host, discoveryPort] : {std::pair{4, 8513}, std::pair{5, 30718}}) {
-            QCOMPARE(client.writeDatagram(datagram, QHostAddress(address(host)), quint16(discoveryPort)), datagram.size());
+    for (const QByteArray& datagram : {QByteArray(), QByteArray(300, '\xff')}) {
+        for (const auto& [host, discoveryPort] : {std::pair{4, 8513}, std::pair{5, 30718}}) {
+            QCOMPARE(client.writeDatagram(datagram, QHostAddress(address(host)), quint16(discoveryPort)),
+                     datagram.size());
             QTRY_VERIFY(client.hasPendingDatagrams());
-            QNetworkDatagram const reply = client.receiveDatagram();
+            const QNetworkDatagram reply = client.receiveDatagram();
             QCOMPARE(reply.data(), QByteArray(28, '\0'));
             QCOMPARE(reply.senderAddress(), QHostAddress(address(host)));
             QCOMPARE(reply.senderPort(), discoveryPort);
         }
     }
-    QCOMPARE(console.text(), ("UDP Request from 127.0.77.200:" + QByteArray::number(client.localPort()) + "\r\n").repeated(4));
+    QCOMPARE(console.text(),
+             ("UDP Request from 127.0.77.200:" + QByteArray::number(client.localPort()) + "\r\n").repeated(4));
 }
 
 QTEST_GUILESS_MAIN(TestModbusOverTcpServer)

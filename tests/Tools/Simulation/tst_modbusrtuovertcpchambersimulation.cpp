@@ -3,9 +3,9 @@
 #include "support/MapReader.h"
 #include "support/RtuOverTcp.h"
 
-#include <QtTest>
 #include <QRandomGenerator>
 #include <QTcpSocket>
+#include <QtTest>
 
 #include <memory>
 
@@ -18,7 +18,10 @@ namespace {
 constexpr int port = ModbusRtuOverTcpChamberSimulation::converterPort_;
 constexpr int slave = 5;
 
-QByteArray hex(char const* text) { return QByteArray::fromHex(text); }
+QByteArray hex(const char* text)
+{
+    return QByteArray::fromHex(text);
+}
 
 // This binary's own loopback addresses, so that test binaries run side by side.
 QString address(int host)
@@ -33,8 +36,13 @@ std::unique_ptr<ModbusRtuOverTcpChamberSimulation> chamber(int host, int modbusA
     auto made = std::make_unique<ModbusRtuOverTcpChamberSimulation>(QSharedPointer<ChamberTypeData>::create(),
                                                                     address(host), port, modbusAddress);
     auto reader = QSharedPointer<MapReader>::create();
-    reader->values = {{0x100, 23.5f}, {0x200, QVariant::fromValue(ushort(0x1234))}, {0x300, 0x11223344}, {0x302, 1.0f},
-                      {0x320, true}, {0x330, QVariant::fromValue(short(-2))}, {0x340, QStringLiteral("abc")},
+    reader->values = {{0x100, 23.5f},
+                      {0x200, QVariant::fromValue(ushort(0x1234))},
+                      {0x300, 0x11223344},
+                      {0x302, 1.0f},
+                      {0x320, true},
+                      {0x330, QVariant::fromValue(short(-2))},
+                      {0x340, QStringLiteral("abc")},
                       {0x350, 0xA1B2C3D4u}};
     made->setSimulationReader(reader);
     return made;
@@ -45,7 +53,7 @@ QByteArray record(quint32 index)
 {
     QByteArray bytes(8, Qt::Uninitialized);
     qToLittleEndian(index, bytes.data());
-    qint64 const epoch = QDateTime(QDate(2019, 1, 1), QTime(0, 0)).toSecsSinceEpoch();
+    const qint64 epoch = QDateTime(QDate(2019, 1, 1), QTime(0, 0)).toSecsSinceEpoch();
     qToLittleEndian(quint32(epoch + 60 * index), bytes.data() + 4);
     return bytes + hex("9A99B141").repeated(4) + QByteArray(3, '\0');
 }
@@ -74,9 +82,9 @@ void TestModbusRtuOverTcpChamberSimulation::exchange_data()
     // Requests and their replies in turn, without their CRC; an empty reply
     // is silence.
     QTest::addColumn<QByteArrayList>("exchanges");
-    auto const bytes = [](char const* name, QByteArrayList const& exchanges) { QTest::newRow(name) << exchanges; };
+    const auto bytes = [](const char* name, const QByteArrayList& exchanges) { QTest::newRow(name) << exchanges; };
     // "request>reply" in hexadecimal.
-    auto const row = [&](char const* name, QStringList const& pairs) {
+    const auto row = [&](const char* name, const QStringList& pairs) {
         QByteArrayList exchanges;
         for (QString const& pair : pairs)
             exchanges << QByteArray::fromHex(pair.section('>', 0, 0).toLatin1())
@@ -102,9 +110,8 @@ void TestModbusRtuOverTcpChamberSimulation::exchange_data()
         {"050603000007>050603000007", "050303000002>050304 00070000", "050603024120>050603024120",
          "050303020002>050304 41200000", "05060330FFFB>05060330FFFB", "050303300001>050302 FFFB",
          "050605000009>050605000009", "050305000002>050304 00000000"});
-    row("function 6: bool takes the low byte",
-        {"050603200100>050603200100", "050303200001>050302 0000", "050603200001>050603200001",
-         "050303200001>050302 0001"});
+    row("function 6: bool takes the low byte", {"050603200100>050603200100", "050303200001>050302 0000",
+                                                "050603200001>050603200001", "050303200001>050302 0001"});
     row("function 16: byte count 128 writes nothing; int and float; unknown register skipped",
         {"05100300000280 00000001>051003000002", "050303000002>050304 11223344",
          "05100300000408 AABBCCDD 00004120>051003000004", "050303000004>050308 AABBCCDD 00004120",
@@ -115,8 +122,8 @@ void TestModbusRtuOverTcpChamberSimulation::exchange_data()
 
     // Data logger records at 6500: 23 bytes each by the automatic count, 27
     // given out and cut to the quantity.
-    auto read = [](int quantity, QByteArray const& data) { return hex("0503") + char(quantity * 2) + data; };
-    QByteArray const quantity12 = hex("05036500000C");
+    auto read = [](int quantity, const QByteArray& data) { return hex("0503") + char(quantity * 2) + data; };
+    const QByteArray quantity12 = hex("05036500000C");
     bytes("logger count 0: quantity 12 one record, 23 two",
           {quantity12, read(12, record(0).left(24)), hex("050365000017"), read(23, (record(1) + record(2)).left(46)),
            quantity12, read(12, record(3).left(24))});
@@ -132,8 +139,8 @@ void TestModbusRtuOverTcpChamberSimulation::exchange_data()
 void TestModbusRtuOverTcpChamberSimulation::exchange()
 {
     QFETCH(QByteArrayList, exchanges);
-    auto const slaveFive = chamber(1, slave);
-    auto const slave133 = chamber(1, 133);
+    const auto slaveFive = chamber(1, slave);
+    const auto slave133 = chamber(1, 133);
     QTcpSocket client;
     QVERIFY(connected(client, 1));
     for (int i = 0; i < exchanges.size(); i += 2) {
@@ -151,14 +158,14 @@ void TestModbusRtuOverTcpChamberSimulation::exchange()
 // quantity 4 both come from the rule of the start register.
 void TestModbusRtuOverTcpChamberSimulation::loggerMinutes()
 {
-    auto const slaveFive = chamber(2, slave);
+    const auto slaveFive = chamber(2, slave);
     QTcpSocket client;
     QVERIFY(connected(client, 2));
-    auto const now = [] { return QDateTime(QDate(2019, 1, 1), QTime(0, 0)).secsTo(QDateTime::currentDateTime()) / 60; };
-    qint64 const before = now();
+    const auto now = [] { return QDateTime(QDate(2019, 1, 1), QTime(0, 0)).secsTo(QDateTime::currentDateTime()) / 60; };
+    const qint64 before = now();
     QVERIFY(deliver(client, withCrc(hex("050313100004"))));
-    QByteArray const reply = receive(client, 3 + 8 + 2);
-    qint64 const minutes = qFromBigEndian<quint32>(reply.constData() + 3);
+    const QByteArray reply = receive(client, 3 + 8 + 2);
+    const qint64 minutes = qFromBigEndian<quint32>(reply.constData() + 3);
     QVERIFY2(minutes == before || minutes == now(), QByteArray::number(minutes).constData());
     QCOMPARE(reply.toHex(), withCrc(hex("050308") + reply.mid(3, 4) + reply.mid(3, 4)).toHex());
 }
@@ -169,7 +176,7 @@ void TestModbusRtuOverTcpChamberSimulation::loggerMinutes()
 // table's int 1 comes back, whatever was written.
 void TestModbusRtuOverTcpChamberSimulation::badInputHarmsNobody()
 {
-    auto const target = chamber(7, 0x64);
+    const auto target = chamber(7, 0x64);
     QTcpSocket attacker;
     QVERIFY(connected(attacker, 7));
     QRandomGenerator generator(4711);
@@ -181,10 +188,11 @@ void TestModbusRtuOverTcpChamberSimulation::badInputHarmsNobody()
     }
     frames << hex("6403010000") << hex("64100300000408") << hex("6410030000040811") << hex("6410130800020400")
            << withCrc(hex("640300000002"));
-    for (QByteArray const& frame : frames)
+    for (const QByteArray& frame : frames)
         QVERIFY(deliver(attacker, frame));
     QByteArray received;
-    QVERIFY(QTest::qWaitFor([&] { return (received += attacker.readAll()).endsWith(withCrc(hex("64030400000001"))); }, 10000));
+    QVERIFY(QTest::qWaitFor([&] { return (received += attacker.readAll()).endsWith(withCrc(hex("64030400000001"))); },
+                            10000));
 }
 
 QTEST_GUILESS_MAIN(TestModbusRtuOverTcpChamberSimulation)

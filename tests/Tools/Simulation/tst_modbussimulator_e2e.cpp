@@ -30,24 +30,24 @@ using namespace zelmor::testsupport;
 
 namespace {
 
-QString const modbusTcpAddress = QStringLiteral("127.0.83.1");
-QString const converterAddress = QStringLiteral("127.0.83.2");
+const QString modbusTcpAddress = QStringLiteral("127.0.83.1");
+const QString converterAddress = QStringLiteral("127.0.83.2");
 // Qt's Modbus TCP server answers unit 255 only.
-QString const modbusTcpTarget = QStringLiteral("tcp:127.0.83.1:502:255");
+const QString modbusTcpTarget = QStringLiteral("tcp:127.0.83.1:502:255");
 
 // What the chamber printed since `from` is `console`, then the line of a
 // search datagram to the responder, which answers 28 zero bytes: no
 // interface but the loopback carries the address. A write's console line is
 // flushed only by the next line that the tool flushes, such as this one.
-void checkConsole(SimulatorProcess& simulator, int from, QString const& responder, quint16 port,
-                  QByteArray const& console)
+void checkConsole(SimulatorProcess& simulator, int from, const QString& responder, quint16 port,
+                  const QByteArray& console)
 {
     QUdpSocket socket;
     QVERIFY(socket.bind(QHostAddress(QStringLiteral("127.0.83.200")), 0));
     QCOMPARE(socket.writeDatagram("search", QHostAddress(responder), port), 6);
     QVERIFY(socket.waitForReadyRead(5000));
     QCOMPARE(socket.receiveDatagram().data().toHex(' '), QByteArray(28, '\0').toHex(' '));
-    QByteArray const line = "UDP Request from 127.0.83.200:" + QByteArray::number(socket.localPort()) + "\r\n";
+    const QByteArray line = "UDP Request from 127.0.83.200:" + QByteArray::number(socket.localPort()) + "\r\n";
     QVERIFY2(simulator.waitForOutput(line), simulator.standardOutput().constData());
     QCOMPARE(simulator.standardOutput().mid(from), console + line);
 }
@@ -67,7 +67,7 @@ private slots:
     void serial();
 
 private:
-    std::unique_ptr<SimulatorProcess> launch(QStringList const& arguments, QByteArray const& lastLines);
+    std::unique_ptr<SimulatorProcess> launch(const QStringList& arguments, const QByteArray& lastLines);
 
     TestDatabase databases;
     QString catalogue;
@@ -77,8 +77,8 @@ private:
 };
 
 // A running tool whose output ends in these lines, with nothing after.
-std::unique_ptr<SimulatorProcess> TestModbusSimulatorEndToEnd::launch(QStringList const& arguments,
-                                                                    QByteArray const& lastLines)
+std::unique_ptr<SimulatorProcess> TestModbusSimulatorEndToEnd::launch(const QStringList& arguments,
+                                                                      const QByteArray& lastLines)
 {
     auto simulator = std::make_unique<SimulatorProcess>();
     if (!simulator->installCatalogue(catalogue))
@@ -111,13 +111,16 @@ void TestModbusSimulatorEndToEnd::modbusTcp()
 {
     if (!root || !hasPymodbus() || QStandardPaths::findExecutable("mbpoll").isEmpty())
         QSKIP("needs root (port 502), python3-pymodbus and mbpoll");
-    int const from = kv2->standardOutput().size();
+    const int from = kv2->standardOutput().size();
     // Type 247's temperature, a float low word first.
     QCOMPARE(runModbusOperations(modbusTcpTarget, {"holding:0x1002:2"}), QStringList{"0 16816"});
     // mbpoll's floats are low word first as well: its set point written and read back.
-    QStringList const mbpoll{"-m", "tcp", "-a", "255", "-0", "-r", "4354", "-t", "4:float", "-1", modbusTcpAddress};
-    QCOMPARE(runClient("mbpoll", QStringList(mbpoll) << "--" << "-12.5").exitCode, 0);
-    ClientResult const read = runClient("mbpoll", mbpoll);
+    const QStringList mbpoll{"-m", "tcp", "-a", "255", "-0", "-r", "4354", "-t", "4:float", "-1", modbusTcpAddress};
+    QCOMPARE(runClient("mbpoll", QStringList(mbpoll) << "--"
+                                                     << "-12.5")
+                 .exitCode,
+             0);
+    const ClientResult read = runClient("mbpoll", mbpoll);
     QVERIFY2(read.standardOutput.contains("[4354]: \t-12.5"), read.standardOutput.constData());
     checkConsole(*kv2, from, modbusTcpAddress, 30718, " Modbus: data changed!!\r\n");
 }
@@ -126,8 +129,8 @@ void TestModbusSimulatorEndToEnd::tunnelled()
 {
     if (!hasPymodbus())
         QSKIP("python3-pymodbus is missing");
-    int const from = converter->standardOutput().size();
-    QString const target = QStringLiteral("rtu-over-tcp:127.0.83.2:10001:%1");
+    const int from = converter->standardOutput().size();
+    const QString target = QStringLiteral("rtu-over-tcp:127.0.83.2:10001:%1");
     // Slave 1 (Q3) a float as in Modbus TCP, slave 2 (KV2) an unsigned int
     // high word first, unlike there; no slave 3.
     QCOMPARE(runModbusOperations(target.arg(1), {"holding:0x300:2"}, 1)
@@ -147,8 +150,8 @@ void TestModbusSimulatorEndToEnd::badInputOnTheWire_data()
     QByteArray noise(256 * 1024, Qt::Uninitialized);
     for (char& byte : noise)
         byte = char(generator.bounded(3, 257));
-    for (quint16 const port : {502, 10001}) {
-        QByteArray const request = port == 502 ? QByteArray::fromHex("0001 0000 0006 ff 04 1002 0002")
+    for (const quint16 port : {502, 10001}) {
+        const QByteArray request = port == 502 ? QByteArray::fromHex("0001 0000 0006 ff 04 1002 0002")
                                                : withCrc(QByteArray::fromHex("01 04 0302 0002"));
         QByteArrayList truncated;
         for (int size = 1; size < request.size(); ++size)
@@ -163,10 +166,10 @@ void TestModbusSimulatorEndToEnd::badInputOnTheWire()
 {
     QFETCH(quint16, port);
     QFETCH(QByteArrayList, pieces);
-    bool const tcp = port == 502;
+    const bool tcp = port == 502;
     if ((tcp && !root) || !hasPymodbus())
         QSKIP("needs python3-pymodbus, and root for port 502");
-    for (QByteArray const& piece : pieces) {
+    for (const QByteArray& piece : pieces) {
         QTcpSocket attacker;
         attacker.connectToHost(QHostAddress(tcp ? modbusTcpAddress : converterAddress), port);
         QVERIFY(attacker.waitForConnected(5000));
@@ -193,15 +196,15 @@ void TestModbusSimulatorEndToEnd::serial()
     if (QStandardPaths::findExecutable(QStringLiteral("socat")).isEmpty() || !hasPymodbus())
         QSKIP("needs socat and python3-pymodbus");
     QTemporaryDir folder;
-    QString const chamberEnd = folder.filePath(QStringLiteral("COM9"));
-    QString const clientEnd = folder.filePath(QStringLiteral("client"));
+    const QString chamberEnd = folder.filePath(QStringLiteral("COM9"));
+    const QString clientEnd = folder.filePath(QStringLiteral("client"));
     QProcess terminals; // killed as it goes
     terminals.start(QStringLiteral("socat"), {"pty,raw,echo=0,link=" + chamberEnd, "pty,raw,echo=0,link=" + clientEnd});
     QVERIFY(terminals.waitForStarted());
     QTRY_VERIFY(QFileInfo::exists(chamberEnd) && QFileInfo::exists(clientEnd));
 
-    QByteArray const lastLine = "Adding Signal PV_Status_Word\r\n";
-    std::unique_ptr<SimulatorProcess> const simulator = launch({"-m40", "-i" + chamberEnd + ":3"}, lastLine);
+    const QByteArray lastLine = "Adding Signal PV_Status_Word\r\n";
+    const std::unique_ptr<SimulatorProcess> simulator = launch({"-m40", "-i" + chamberEnd + ":3"}, lastLine);
     QVERIFY(simulator);
 
     // Every 2 s: temperature 23.3 (41BA6666) at 2, its set point at 6,

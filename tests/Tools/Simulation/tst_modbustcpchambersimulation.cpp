@@ -5,8 +5,8 @@
 #include "support/MapReader.h"
 #include "support/StreamCapture.h"
 
-#include <QtTest>
 #include <QTcpSocket>
+#include <QtTest>
 
 #include <unistd.h>
 
@@ -27,18 +27,19 @@ QString nextAddress()
 // A started chamber. Start lines and the second start() are the end-to-end tests'.
 struct Chamber
 {
-    Chamber() : server(QSharedPointer<ChamberTypeData>::create(), ipAddress)
+    Chamber()
+        : server(QSharedPointer<ChamberTypeData>::create(), ipAddress)
     {
         // The float's bits are 3F800000; the ints 0x00012345, -2 and 0xFFFF0001.
-        reader->values = {{0x10, 1.0f}, {0x20, QVariant::fromValue<ushort>(4660)}, {0x30, 74565}, {0x34, -2},
-                          {0x38, 4294901761u}, {0x40, true}, {0x50, QVariant::fromValue<short>(5)},
-                          {0x60, 1.0f}, {0x70, 1.0}};
+        reader->values = {
+            {0x10, 1.0f}, {0x20, QVariant::fromValue<ushort>(4660)}, {0x30, 74565}, {0x34, -2}, {0x38, 4294901761u},
+            {0x40, true}, {0x50, QVariant::fromValue<short>(5)},     {0x60, 1.0f},  {0x70, 1.0}};
         reader->readOnly = {0x60};
         server.setSimulationReader(reader);
         started = server.start();
     }
-    QString const ipAddress = nextAddress();
-    QSharedPointer<MapReader> const reader = QSharedPointer<MapReader>::create();
+    const QString ipAddress = nextAddress();
+    const QSharedPointer<MapReader> reader = QSharedPointer<MapReader>::create();
     ModbusTcpChamberSimulation server;
     bool started = false;
 };
@@ -70,12 +71,12 @@ void TestModbusTcpChamberSimulation::pymodbusRequests_data()
     // The reader's writes ("address=type(value)"), then the dataWritten
     // signals ("signal address/registers").
     QTest::addColumn<QString>("effects");
-    auto const row = [](char const* name, QStringList const& operations, QStringList const& replies,
-                        QByteArray const& console = {}, QString const& effects = {}) {
+    const auto row = [](const char* name, const QStringList& operations, const QStringList& replies,
+                        const QByteArray& console = {}, const QString& effects = {}) {
         QTest::newRow(name) << operations << replies << console << effects;
     };
-    QByteArray const changed = " Modbus: data changed!!\r\n";
-    QByteArray const wrongCount = " not the right number of characters received\r\n";
+    const QByteArray changed = " Modbus: data changed!!\r\n";
+    const QByteArray wrongCount = " not the right number of characters received\r\n";
 
     // Reads: the value's type decides the registers, low word first. A
     // float's are the end-to-end test's.
@@ -118,9 +119,9 @@ void TestModbusTcpChamberSimulation::pymodbusRequests()
     QCOMPARE(runModbusOperations("tcp:" + chamber.ipAddress + ":502:255", operations), replies);
     QCOMPARE(output.text(), console);
     QStringList happened;
-    for (auto const& [address, value] : chamber.reader->writes)
+    for (const auto& [address, value] : chamber.reader->writes)
         happened << QStringLiteral("0x%1=%2(%3)").arg(address, 0, 16).arg(value.typeName()).arg(value.toString());
-    for (QList<QVariant> const& arguments : dataWritten)
+    for (const QList<QVariant>& arguments : dataWritten)
         happened << QStringLiteral("signal 0x%1/%2").arg(arguments.at(1).toInt(), 0, 16).arg(arguments.at(2).toInt());
     QCOMPARE(happened.join(' '), effects);
 }
@@ -139,7 +140,7 @@ void TestModbusTcpChamberSimulation::frameBytes()
     QVERIFY(socket.waitForConnected(10000));
     socket.write(QByteArray::fromHex("0007 0000 0006 ff 03 0020 0002  0008 0000 0006 ff 04 0010 0001"
                                      "0009 0000 0006 01 03 0010 0002  000a 0000 0006 ff 03 0020 0001"));
-    QByteArray const replies = QByteArray::fromHex("0007 0000 0005 ff 03 04 1234  0008 0000 0007 ff 04 02 0000 3f80"
+    const QByteArray replies = QByteArray::fromHex("0007 0000 0005 ff 03 04 1234  0008 0000 0007 ff 04 02 0000 3f80"
                                                    "000a 0000 0005 ff 03 02 1234");
     QByteArray answer;
     QTRY_VERIFY((answer += socket.readAll()).size() >= replies.size());

@@ -8,7 +8,7 @@ using namespace zelmor::simulation;
 
 namespace {
 
-QSharedPointer<SimulationReader> makeImage(QByteArray const& name)
+QSharedPointer<SimulationReader> makeImage(const QByteArray& name)
 {
     if (name == "KV1")
         return QSharedPointer<Kv1ProgramOption>::create();
@@ -36,12 +36,12 @@ private slots:
         QTest::addColumn<QVariant>("written");
         QTest::addColumn<QVariant>("readBack");
 
-        auto row = [](char const* image, int address, int type, QVariant const& written, QVariant const& readBack) {
+        auto row = [](const char* image, int address, int type, const QVariant& written, const QVariant& readBack) {
             QTest::addRow("%s %d <- %s", image, address, qPrintable(written.toString()))
                 << QByteArray(image) << address << type << written << readBack;
         };
-        QVariant const none;
-        auto const word = [](quint16 value) { return QVariant::fromValue(value); };
+        const QVariant none;
+        const auto word = [](quint16 value) { return QVariant::fromValue(value); };
         // A cell takes the written variant with its type.
         row("KV1", 4204, QMetaType::UShort, -3, -3);
         row("KV1", 4231, QMetaType::UInt, 7u, 7u);
@@ -72,13 +72,13 @@ private slots:
         QFETCH(QVariant, written);
         QFETCH(QVariant, readBack);
 
-        auto const reader = makeImage(image);
-        QVariant const fresh = reader->read(address);
+        const auto reader = makeImage(image);
+        const QVariant fresh = reader->read(address);
         QCOMPARE(fresh.userType(), type);
         QCOMPARE(fresh.toDouble(), 0.0);
         QVERIFY(!reader->getType(address).isValid());
         QCOMPARE(reader->write(address, written), type != 0);
-        QVariant const result = reader->read(address);
+        const QVariant result = reader->read(address);
         QCOMPARE(result.userType(), readBack.userType());
         QCOMPARE(result, readBack);
     }
@@ -116,7 +116,7 @@ private slots:
         QFETCH(bool, started);
 
         Kv1ProgramOption image;
-        for (QVariant const& command : commands)
+        for (const QVariant& command : commands)
             QVERIFY(image.write(6690, command));
         QCOMPARE(image.read(4231), QVariant(started ? 600u : 0u));
         QCOMPARE(image.read(4233), QVariant(started ? 300u : 0u));

@@ -13,8 +13,10 @@ namespace {
 class CountingReader : public SimulationReader
 {
 public:
-    explicit CountingReader(QString const& text)
-        : parts(text.split(':')), address(parts.at(0).toInt()), answer(parts.at(1).toInt())
+    explicit CountingReader(const QString& text)
+        : parts(text.split(':'))
+        , address(parts.at(0).toInt())
+        , answer(parts.at(1).toInt())
     {
     }
 
@@ -37,8 +39,8 @@ public:
         return parts.contains("t") && a == address ? answer : SimulationReader::getType(a);
     }
 
-    QStringList const parts;
-    int const address;
+    const QStringList parts;
+    const int address;
     QVariant answer;
     int reads = 0;
 };
@@ -46,7 +48,10 @@ public:
 class TestChamber : public ChamberSimulation
 {
 public:
-    TestChamber() : ChamberSimulation(QSharedPointer<zelmor::domain::types::ChamberTypeData>()) {}
+    TestChamber()
+        : ChamberSimulation(QSharedPointer<zelmor::domain::types::ChamberTypeData>())
+    {
+    }
     bool start() override { return true; }
     int getProtocolId() const override { return 0; }
 };
@@ -69,8 +74,8 @@ private slots:
         QTest::addColumn<int>("readsAsked");
         QTest::addColumn<int>("takenBy");
 
-        auto row = [](char const* name, QStringList const& children, int address, QVariant const& read,
-                      QVariant const& type, int readsAsked, int takenBy) {
+        auto row = [](const char* name, const QStringList& children, int address, const QVariant& read,
+                      const QVariant& type, int readsAsked, int takenBy) {
             QTest::newRow(name) << children << address << read << type << readsAsked << takenBy;
         };
         row("empty", {}, 1, QVariant(), QVariant(), 0, -1);
@@ -95,7 +100,7 @@ private slots:
 
         SimulationDevice device;
         QList<QSharedPointer<CountingReader>> made;
-        for (QString const& text : children) {
+        for (const QString& text : children) {
             made << QSharedPointer<CountingReader>::create(text);
             device.add(made.last());
         }
@@ -114,7 +119,7 @@ private slots:
         TestChamber chamber;
         QVERIFY(chamber.getSimulationReader().isNull());
         auto first = QSharedPointer<SimulationValueInt>::create(1, 1, 10.0f, 0x10, 0x11);
-        QWeakPointer<SimulationReader> const watch = first;
+        const QWeakPointer<SimulationReader> watch = first;
         chamber.setSimulationReader(first);
         first.reset();
         QCOMPARE(chamber.getSimulationReader()->read(0x10), QVariant(1));

@@ -17,7 +17,7 @@ using zelmor::domain::types::Unit;
 
 namespace {
 
-QSharedPointer<ControllerAddress> address(QString const& text, int type)
+QSharedPointer<ControllerAddress> address(const QString& text, int type)
 {
     if (text.isEmpty())
         return {};
@@ -30,7 +30,7 @@ QSharedPointer<ControllerAddress> address(QString const& text, int type)
 
 // Addresses as {read, writeAuto, writeBasic, writeManual}; a missing or empty
 // text is no address.
-ChamberSignal makeSignal(QString const& name, QStringList const& addresses, int type, int unit)
+ChamberSignal makeSignal(const QString& name, const QStringList& addresses, int type, int unit)
 {
     ChamberSignal signal;
     signal.name = name;
@@ -44,7 +44,7 @@ ChamberSignal makeSignal(QString const& name, QStringList const& addresses, int 
 
 // The time constant of the value, -1 when no value was made.
 template<typename... V>
-float timeConstantOf(QSharedPointer<SimulationReader> const& reader)
+float timeConstantOf(const QSharedPointer<SimulationReader>& reader)
 {
     float result = -1.0f;
     auto take = [&](auto value) { return value && (result = value->getTimeConstant(), true); };
@@ -72,21 +72,21 @@ private slots:
         QTest::addColumn<QVariant>("start");
         QTest::addColumn<float>("timeConstant");
 
-        auto row = [](char const* name, QStringList const& own, QStringList const& setPoint, int type,
-                      QStringList const& names, QList<int> const& readable, QList<int> const& writable,
-                      QList<int> const& typed, QVariant const& start) {
+        auto row = [](const char* name, const QStringList& own, const QStringList& setPoint, int type,
+                      const QStringList& names, const QList<int>& readable, const QList<int>& writable,
+                      const QList<int>& typed, const QVariant& start) {
             QTest::newRow(name) << own << setPoint << type << 0 << names << readable << writable << typed << start
                                 << (start.isValid() ? 360.3f : -1.0f);
         };
         // One value on read 60 and write 61; integers answer getType on both.
-        auto byType = [](char const* name, int type, int unit, QVariant const& start, float timeConstant) {
+        auto byType = [](const char* name, int type, int unit, const QVariant& start, float timeConstant) {
             QList<int> const both{0x60, 0x61};
-            QTest::newRow(name) << QStringList{"60", "61"} << QStringList() << type << unit << QStringList{"PV"}
-                                << both << QList<int>{0x61} << (type == QMetaType::Float ? QList<int>() : both)
-                                << start << timeConstant;
+            QTest::newRow(name) << QStringList{"60", "61"} << QStringList() << type << unit << QStringList{"PV"} << both
+                                << QList<int>{0x61} << (type == QMetaType::Float ? QList<int>() : both) << start
+                                << timeConstant;
         };
-        int const f = QMetaType::Float;
-        int const i = QMetaType::Int;
+        const int f = QMetaType::Float;
+        const int i = QMetaType::Int;
         // Without a read address the own write addresses don't count: a float
         // on current address -1 whose set address comes from the set point.
         row("set point only", {"", "05", "", ""}, {"20", "21", "", ""}, i, {"SP"}, {0x20, 0x21}, {0x21}, {0x20}, 23.3f);
@@ -95,8 +95,8 @@ private slots:
         row("process value with set point", {"30", "32", "34", ""}, {"31", "32", "", "33"}, f, {"PV", "SP"},
             {0x30, 0x31, 0x32, 0x33, 0x34}, {0x32, 0x33, 0x34}, {0x31, 0x33, 0x34}, 23.3f);
         // Read only; the set point's read address aliases address -1 and answers invalid.
-        row("set point without write address", {"30", "", "", ""}, {"31", "", "", ""}, f, {"PV", "SP"}, {0x30}, {},
-            {}, 23.3f);
+        row("set point without write address", {"30", "", "", ""}, {"31", "", "", ""}, f, {"PV", "SP"}, {0x30}, {}, {},
+            23.3f);
         // A read address that doesn't convert is 0, a write address is left out.
         row("bad texts", {"zz", "41", "q", "42"}, {}, i, {"PV"}, {0, 0x41, 0x42}, {0x41, 0x42}, {0, 0x41, 0x42}, 23);
         // No value is made, and its aliases answer nothing.
@@ -137,8 +137,8 @@ private slots:
                                  SimulationValueUChar, SimulationValueFloat>(simulated.getChildren().value(0))),
                  timeConstant);
         for (int probe = -1; probe <= 0x61; ++probe) {
-            QByteArray const where = QByteArray::number(probe, 16);
-            QVariant const value = simulated.read(probe);
+            const QByteArray where = QByteArray::number(probe, 16);
+            const QVariant value = simulated.read(probe);
             QCOMPARE(value, readable.contains(probe) ? start : QVariant());
             QCOMPARE(value.userType(), readable.contains(probe) ? start.userType() : 0);
             QVERIFY2(simulated.getType(probe).isValid() == typed.contains(probe), where.constData());

@@ -39,15 +39,22 @@ TestValue make(double current, double set, float timeConstant, int setAt)
     return TestValue{value, value.data()};
 }
 
-TestValue makeValue(QByteArray const& kind, double current, double set, float timeConstant, int setAt = setAddress)
+TestValue makeValue(const QByteArray& kind, double current, double set, float timeConstant, int setAt = setAddress)
 {
-    if (kind == "bool") return make<SimulationValueBool, bool>(current, set, timeConstant, setAt);
-    if (kind == "int") return make<SimulationValueInt, int>(current, set, timeConstant, setAt);
-    if (kind == "uint") return make<SimulationValueUInt, unsigned int>(current, set, timeConstant, setAt);
-    if (kind == "short") return make<SimulationValueShort, short>(current, set, timeConstant, setAt);
-    if (kind == "ushort") return make<SimulationValueUShort, unsigned short>(current, set, timeConstant, setAt);
-    if (kind == "uchar") return make<SimulationValueUChar, unsigned char>(current, set, timeConstant, setAt);
-    if (kind == "char") return make<SimulationValueChar, signed char>(current, set, timeConstant, setAt);
+    if (kind == "bool")
+        return make<SimulationValueBool, bool>(current, set, timeConstant, setAt);
+    if (kind == "int")
+        return make<SimulationValueInt, int>(current, set, timeConstant, setAt);
+    if (kind == "uint")
+        return make<SimulationValueUInt, unsigned int>(current, set, timeConstant, setAt);
+    if (kind == "short")
+        return make<SimulationValueShort, short>(current, set, timeConstant, setAt);
+    if (kind == "ushort")
+        return make<SimulationValueUShort, unsigned short>(current, set, timeConstant, setAt);
+    if (kind == "uchar")
+        return make<SimulationValueUChar, unsigned char>(current, set, timeConstant, setAt);
+    if (kind == "char")
+        return make<SimulationValueChar, signed char>(current, set, timeConstant, setAt);
     return make<SimulationValueFloat, float>(current, set, timeConstant, setAt);
 }
 
@@ -71,7 +78,7 @@ private slots:
         // toInt (toFloat), then the low bits; junk is 0. Its type is that of every read.
         QTest::addColumn<QVariant>("stored");
 
-        auto row = [](char const* kind, QVariant const& written, QVariant const& stored) {
+        auto row = [](const char* kind, const QVariant& written, const QVariant& stored) {
             QTest::newRow(kind) << QByteArray(kind) << written << stored;
         };
         row("bool", 256, true);
@@ -92,12 +99,12 @@ private slots:
         QFETCH(QByteArray, kind);
         QFETCH(QVariant, written);
         QFETCH(QVariant, stored);
-        int const typeId = stored.userType();
-        int const typeOfGetType = kind == "float" ? int(QMetaType::UnknownType) : typeId;
+        const int typeId = stored.userType();
+        const int typeOfGetType = kind == "float" ? int(QMetaType::UnknownType) : typeId;
 
         TestValue value = makeValue(kind, 0, 100, 10.0f);
         value.age(5000);
-        QDateTime const stamp = value.clock->getLastRequest();
+        const QDateTime stamp = value.clock->getLastRequest();
         QCOMPARE(value.reader->read(setAddress).userType(), typeId);
         QCOMPARE(value.reader->getType(setAddress).userType(), typeOfGetType);
         QCOMPARE(value.clock->getLastRequest(), stamp);
@@ -125,8 +132,8 @@ private slots:
         QTest::addColumn<qint64>("elapsedMs");
         QTest::addColumn<QVariant>("expected");
 
-        auto row = [](char const* name, char const* kind, double current, double set, float timeConstant,
-                      qint64 elapsedMs, QVariant const& expected) {
+        auto row = [](const char* name, const char* kind, double current, double set, float timeConstant,
+                      qint64 elapsedMs, const QVariant& expected) {
             QTest::newRow(name) << QByteArray(kind) << current << set << timeConstant << elapsedMs << expected;
         };
         row("float after 5 s", "float", 0, 100, 10, 5000, 39.35f);
@@ -166,16 +173,16 @@ private slots:
 
         TestValue value = makeValue(kind, current, set, timeConstant);
         value.age(elapsedMs);
-        QDateTime const before = value.clock->getLastRequest();
-        QVariant const result = value.readCurrent();
+        const QDateTime before = value.clock->getLastRequest();
+        const QVariant result = value.readCurrent();
         if (kind != "float") {
             QCOMPARE(result, expected);
             return;
         }
         // The value followed exactly the time up to the read.
-        qint64 const seen = before.msecsTo(value.clock->getLastRequest());
+        const qint64 seen = before.msecsTo(value.clock->getLastRequest());
         QVERIFY2(seen >= elapsedMs && seen < elapsedMs + 500, qPrintable(QString::number(seen)));
-        bool const arrived = seen > 0 && seen >= qint64(10 * timeConstant * 1000);
+        const bool arrived = seen > 0 && seen >= qint64(10 * timeConstant * 1000);
         QCOMPARE(result.toFloat(), arrived ? float(set) : expectedLag(current, set, timeConstant, seen));
         QVERIFY(qAbs(result.toFloat() - expected.toFloat()) < 0.05f);
     }
@@ -186,13 +193,13 @@ private slots:
     {
         TestValue value = makeValue("float", 0, 100, 10.0f);
         value.age(5000);
-        QVariant const first = value.readCurrent();
-        QDateTime const stamp = value.clock->getLastRequest();
+        const QVariant first = value.readCurrent();
+        const QDateTime stamp = value.clock->getLastRequest();
         value.age(900);
         QCOMPARE(value.readCurrent(), first);
         QCOMPARE(value.clock->getLastRequest(), stamp.addMSecs(-900));
         value.age(200); // a step of 1.1 s
-        float const after = value.readCurrent().toFloat();
+        const float after = value.readCurrent().toFloat();
         QVERIFY2(after > first.toFloat() && qAbs(after - expectedLag(first.toFloat(), 100.0f, 10.0f, 1100)) < 1.0f,
                  qPrintable(QString::number(after)));
 
@@ -211,7 +218,7 @@ private slots:
         TestValue quiet = makeValue("float", 20, 20, 360.0f);
         quiet.age(300000);
         QVERIFY(quiet.reader->write(setAddress, 30.0f));
-        float const jumped = quiet.readCurrent().toFloat();
+        const float jumped = quiet.readCurrent().toFloat();
         QVERIFY2(qAbs(jumped - 25.65f) < 0.01f, qPrintable(QString::number(jumped)));
 
         // On its way from 0 to 100 for 5 s, then set to 0: it stays where the
@@ -219,7 +226,7 @@ private slots:
         TestValue onTheWay = makeValue("float", 0, 100, 10.0f);
         onTheWay.age(5000);
         QVERIFY(onTheWay.reader->write(setAddress, 0));
-        float const kept = onTheWay.readCurrent().toFloat();
+        const float kept = onTheWay.readCurrent().toFloat();
         QVERIFY2(qAbs(kept - 39.35f) < 0.5f, qPrintable(QString::number(kept)));
     }
 

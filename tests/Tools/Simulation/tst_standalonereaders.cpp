@@ -23,15 +23,15 @@ namespace {
 QSharedPointer<ChamberTypeData> chamberType()
 {
     auto type = QSharedPointer<ChamberTypeData>::create();
-    auto address = [](QString const& text, QMetaType::Type addressType) {
+    auto address = [](const QString& text, QMetaType::Type addressType) {
         auto result = QSharedPointer<ControllerAddress>::create();
         result->address = text;
         result->type = addressType;
         return result;
     };
-    QList<QMetaType::Type> const types{QMetaType::Int, QMetaType::Float, QMetaType::Bool, QMetaType::UShort,
+    const QList<QMetaType::Type> types{QMetaType::Int,  QMetaType::Float, QMetaType::Bool,  QMetaType::UShort,
                                        QMetaType::UInt, QMetaType::Float, QMetaType::Float, QMetaType::Int};
-    QStringList const reads{"10", "11", "12", "13", "14", "20", "21", "21"};
+    const QStringList reads{"10", "11", "12", "13", "14", "20", "21", "21"};
     for (int key = 1; key <= 8; ++key)
         type->chamberSignals[key].read = address(reads.at(key - 1), types.at(key - 1));
     type->chamberSignals[6].writeManual = address("20", QMetaType::Bool);
@@ -64,11 +64,11 @@ private slots:
         QTest::addColumn<double>("randomTop");
         QTest::addColumn<double>("randomStep");
 
-        int const i = QMetaType::Int;
+        const int i = QMetaType::Int;
         // 20 up to 101, the top a client sees, then back to 20; noise from 0 to 99
         QTest::newRow("int") << 0x10 << counting(20, 101, false) + QVariantList{20, 21} << i << 99.0 << 1.0;
-        QTest::newRow("float") << 0x11 << counting(20, 101, true) + QVariantList{20.0f, 21.0f}
-                               << int(QMetaType::Float) << 99.9 << 0.1;
+        QTest::newRow("float") << 0x11 << counting(20, 101, true) + QVariantList{20.0f, 21.0f} << int(QMetaType::Float)
+                               << 99.9 << 0.1;
         // The random bool never turns on.
         QTest::newRow("bool") << 0x12 << QVariantList{false, true, false, true} << i << 0.0 << 1.0;
         // first 32.5 (no first value of its own), then from the truncated 32
@@ -93,18 +93,18 @@ private slots:
 
         RampSimulationReader rampReader(chamberType());
         StreamCapture quiet(consoleOutput());
-        auto const typed = [](QVariant const& value) { return QString(value.typeName()) + ' ' + value.toString(); };
-        for (QVariant const& expected : ramp)
+        const auto typed = [](const QVariant& value) { return QString(value.typeName()) + ' ' + value.toString(); };
+        for (const QVariant& expected : ramp)
             QCOMPARE(typed(rampReader.read(address)), typed(expected));
         QVERIFY(!rampReader.getType(address).isValid());
 
         RandomSimulationReader randomReader(chamberType());
         QSet<double> distinct;
         for (int i = 0; i < 2000; ++i) {
-            QVariant const value = randomReader.read(address);
+            const QVariant value = randomReader.read(address);
             QCOMPARE(value.userType(), randomType);
-            double const number = value.toDouble();
-            bool const onAStep = std::abs(number / randomStep - std::round(number / randomStep)) < 1e-3;
+            const double number = value.toDouble();
+            const bool onAStep = std::abs(number / randomStep - std::round(number / randomStep)) < 1e-3;
             QVERIFY2(number >= 0.0 && number <= randomTop + 1e-4 && onAStep, qPrintable(value.toString()));
             distinct.insert(number);
         }
@@ -134,7 +134,7 @@ private slots:
         RandomSimulationReader reader(chamberType());
         std::srand(7);
         std::rand();
-        int const second = std::rand();
+        const int second = std::rand();
         std::srand(7);
         QCOMPARE(reader.read(0x12), QVariant(0));
         QCOMPARE(std::rand(), second);

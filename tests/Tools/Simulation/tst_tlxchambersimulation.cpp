@@ -9,10 +9,10 @@
 #include "Tools/Simulation/TlxChamberSimulation.h"
 #include "support/StreamCapture.h"
 
-#include <QtTest>
 #include <QNetworkDatagram>
 #include <QTcpSocket>
 #include <QUdpSocket>
+#include <QtTest>
 
 #include <functional>
 #include <tuple>
@@ -23,9 +23,9 @@ using zelmor::testsupport::StreamCapture;
 namespace {
 
 constexpr int timeoutMs = 10000;
-QByteArray const linkTest = "CANIDGetValue:10010010\r\n";
-QByteArray const linkAnswer = "41\r\nCANIDGetValue:10010010:Communication OK\r\n";
-QByteArray const error = "07\r\nError\r\n";
+const QByteArray linkTest = "CANIDGetValue:10010010\r\n";
+const QByteArray linkAnswer = "41\r\nCANIDGetValue:10010010:Communication OK\r\n";
+const QByteArray error = "07\r\nError\r\n";
 
 QString address(int host)
 {
@@ -44,22 +44,29 @@ public:
     bool write(int address, QVariant value) override { return (values[address] = value, true); }
     QVariant getType(int address) override { return values.value(address); }
 
-    QMap<int, QVariant> values{{0x0, 7}, {0x10, 42}, {0x1001A0F0, 23.5f}, {0x60, QPoint(1, 2)},
-                               {0x61, QString(74, 'a')}, {0x62, QString(75, 'b')}, {0x70, QString()}};
+    QMap<int, QVariant> values{{0x0, 7},
+                               {0x10, 42},
+                               {0x1001A0F0, 23.5f},
+                               {0x60, QPoint(1, 2)},
+                               {0x61, QString(74, 'a')},
+                               {0x62, QString(75, 'b')},
+                               {0x70, QString()}};
     std::function<void()> onRead = [] {};
 };
 
 auto hx60()
 {
     auto type = QSharedPointer<zelmor::domain::types::ChamberTypeData>::create();
-    std::tie(type->type, type->size, type->developementState, type->controller) = std::make_tuple("HX", 60, "Z6", "TLX");
+    std::tie(type->type, type->size, type->developementState, type->controller) =
+        std::make_tuple("HX", 60, "Z6", "TLX");
     return type;
 }
 
 // A started chamber on its own address.
 struct Bench
 {
-    explicit Bench(int host, bool withReader = true, int port = 9000) : chamber(hx60(), address(host), port)
+    explicit Bench(int host, bool withReader = true, int port = 9000)
+        : chamber(hx60(), address(host), port)
     {
         if (withReader)
             chamber.setSimulationReader(map);
@@ -106,17 +113,18 @@ void TestTlxChamberSimulation::exchange_data()
     QTest::addColumn<bool>("withReader");
     QTest::addColumn<QByteArrayList>("requests");
     QTest::addColumn<QByteArrayList>("answers");
-    auto row = [](char const* name, QByteArrayList requests, QByteArrayList answers, bool withReader = true) {
+    auto row = [](const char* name, QByteArrayList requests, QByteArrayList answers, bool withReader = true) {
         QTest::newRow(name) << withReader << requests << answers;
     };
     // Only a match at position 0 counts.
     row("keyword in lower case, rubbish in front",
-        {"canidgetvalue:10010010\r\n", "x" + linkTest, "xCANIDGetValue:00000010\r\n", "xCANIDWriteValue:00000010:5\r\n"},
+        {"canidgetvalue:10010010\r\n", "x" + linkTest, "xCANIDGetValue:00000010\r\n",
+         "xCANIDWriteValue:00000010:5\r\n"},
         {error, error, error, error});
     row("no reader: even the link test fails", {linkTest, "CANIDGetValue:00000010\r\n"}, {error, error}, false);
     row("7 or 9 digits, LF alone, no line end, empty write value",
-        {"CANIDGetValue:1001A0F\r\n", "CANIDGetValue:1001A0F00\r\n", "CANIDGetValue:1001A0F0\n", "CANIDGetValue:1001A0F0",
-         "CANIDWriteValue:00000010:\r\n"},
+        {"CANIDGetValue:1001A0F\r\n", "CANIDGetValue:1001A0F00\r\n", "CANIDGetValue:1001A0F0\n",
+         "CANIDGetValue:1001A0F0", "CANIDWriteValue:00000010:\r\n"},
         {error, error, error, error, error});
     row("split over two reads; two in one, the first answered",
         {"CANIDGetValue:1001", "A0F0\r\n", "CANIDGetValue:1001A0F0\r\nCANIDGetValue:00000010\r\n"},
@@ -128,10 +136,12 @@ void TestTlxChamberSimulation::exchange_data()
     row("lengths 99 and 100", {"CANIDGetValue:00000061\r\n", "CANIDGetValue:00000062\r\n"},
         {"99\r\nCANIDGetValue:00000061:" + QByteArray(74, 'a') + "\r\n",
          "100\r\nCANIDGetValue:00000062:" + QByteArray(75, 'b') + "\r\n"});
-    row("80000000 and above are address 0, repeated as sent", {"CANIDWriteValue:80000000:9\r\n", "CANIDGetValue:ffffffff\r\n"},
+    row("80000000 and above are address 0, repeated as sent",
+        {"CANIDWriteValue:80000000:9\r\n", "CANIDGetValue:ffffffff\r\n"},
         {"28\r\nCANIDWriteValue:80000000:9\r\n", "26\r\nCANIDGetValue:ffffffff:9\r\n"});
     // The value runs up to the last CR LF.
-    row("two writes in one", {"CANIDWriteValue:00000010:1\r\nCANIDWriteValue:00000010:2\r\n", "CANIDGetValue:00000010\r\n"},
+    row("two writes in one",
+        {"CANIDWriteValue:00000010:1\r\nCANIDWriteValue:00000010:2\r\n", "CANIDGetValue:00000010\r\n"},
         {"56\r\nCANIDWriteValue:00000010:1\r\nCANIDWriteValue:00000010:2\r\n",
          "54\r\nCANIDGetValue:00000010:1\r\nCANIDWriteValue:00000010:2\r\n"});
     // The length counts characters: "\xc3\xa4" is one.
@@ -157,7 +167,7 @@ void TestTlxChamberSimulation::exchange()
         QVERIFY2(clock.nsecsElapsed() >= 20 * 1000 * 1000, QByteArray::number(clock.nsecsElapsed()).constData());
     }
     // Nothing more came: the next answer is the link test's.
-    QByteArray const last = withReader ? linkAnswer : error;
+    const QByteArray last = withReader ? linkAnswer : error;
     client.write(linkTest);
     QCOMPARE(receive(client, last.size()), last);
 }
@@ -196,21 +206,21 @@ void TestTlxChamberSimulation::shortBodyTakesTwoDigits()
 // reply is the end-to-end test's.
 void TestTlxChamberSimulation::discoveryBeforeStart()
 {
-    QHostAddress const responder(address(7));
-    TlxChamberSimulation const chamber(hx60(), address(7), 9100);
+    const QHostAddress responder(address(7));
+    const TlxChamberSimulation chamber(hx60(), address(7), 9100);
     StreamCapture console(consoleOutput());
     QUdpSocket client;
     QVERIFY(client.bind(QHostAddress(address(200)), 0));
-    QByteArray const reply = "IP:127.0.41.7 Port:9001 MAC:00:00:00:00:00:00\tChambertype:HX 60 Z6\t"
+    const QByteArray reply = "IP:127.0.41.7 Port:9001 MAC:00:00:00:00:00:00\tChambertype:HX 60 Z6\t"
                              "Controllertype:TLX\tCOMType:TLXDirect\tProgramController:False\r\n";
-    QByteArray const sender = "127.0.41.200:" + QByteArray::number(client.localPort());
+    const QByteArray sender = "127.0.41.200:" + QByteArray::number(client.localPort());
     QByteArray expectedConsole;
-    for (QByteArray const& datagram : {QByteArray(), QByteArrayLiteral("ab\0cd"), QByteArray("%1")}) {
+    for (const QByteArray& datagram : {QByteArray(), QByteArrayLiteral("ab\0cd"), QByteArray("%1")}) {
         QCOMPARE(client.writeDatagram(datagram, responder, 9001), datagram.size());
         QTRY_VERIFY(client.hasPendingDatagrams());
         QCOMPARE(client.receiveDatagram().data(), reply);
-        expectedConsole += "UDP Request " + QByteArray(datagram.constData()) + " from " + sender + "\r\nSender:"
-                           + sender + " \r\n" + reply + "\r\n";
+        expectedConsole += "UDP Request " + QByteArray(datagram.constData()) + " from " + sender
+                           + "\r\nSender:" + sender + " \r\n" + reply + "\r\n";
     }
     QCOMPARE(console.text(), expectedConsole);
 }

@@ -34,7 +34,7 @@ private:
     QTemporaryDir dir;
     int fileCount = 0;
 
-    QString writeFile(QByteArray const& content)
+    QString writeFile(const QByteArray& content)
     {
         QFile file(dir.filePath(QStringLiteral("values%1.xml").arg(++fileCount)));
         return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() ? file.fileName() : QString();
@@ -49,7 +49,7 @@ private slots:
         QTest::addColumn<float>("expected");
 
         // The tag at 90 s stands before the one at 80 s and cuts it off.
-        QByteArray const tags = "<?xml version='1.0'?>\n<script>\n"
+        const QByteArray tags = "<?xml version='1.0'?>\n<script>\n"
                                 "  <time seconds='0'><value address='0x1A'>20.0</value></time>\n"
                                 "  <time seconds='60'><value address='0x1A'>25.5</value>\n"
                                 "    <value address='0x1B'>7.25</value></time>\n"
@@ -63,7 +63,7 @@ private slots:
         QTest::newRow("later tag first: at 90 s the file's last") << tags << qint64(90000) << 0x1C << 80.0f;
 
         // Addresses, types and texts; seconds missing or no number are 0.
-        QByteArray const values = "<r><time><value address='26'>1</value><value address='26'>9</value>"
+        const QByteArray values = "<r><time><value address='26'>1</value><value address='26'>9</value>"
                                   "<value address='0X1B'>2</value><value address=''>4</value>"
                                   "<value address='0xff'> \n\t 12.75 \n</value><value address='2'>warm</value>"
                                   "<value address='3' type='FLOAT'>3.5</value></time><time seconds='soon'>"
@@ -83,12 +83,12 @@ private slots:
         QByteArray longScript = "<script>";
         for (int i = 0; i < 10000; ++i)
             longScript += "<time seconds='" + QByteArray::number(i) + "'><value address='1'>" + QByteArray::number(i)
-                + "</value></time>";
+                          + "</value></time>";
         longScript += "</script>";
         QTest::newRow("10 000 tags: the last") << longScript << qint64(9999000) << 1 << 9999.0f;
         QTest::newRow("10 000 tags: the middle") << longScript << qint64(5000500) << 1 << 5000.0f;
 
-        QByteArray const nesting = "<a><b x='1'><c><value address='9'>99</value>"
+        const QByteArray nesting = "<a><b x='1'><c><value address='9'>99</value>"
                                    "<time seconds='0'><value address='1'>1</value>"
                                    "  <time seconds='10'><value address='1'>2</value></time>"
                                    "  <value address='2'>3</value></time>"
@@ -99,12 +99,12 @@ private slots:
         QTest::newRow("element names are case-sensitive") << nesting << qint64(0) << 4 << 0.0f;
 
         // Broken documents: what was read before the break stays in force.
-        QByteArray const valueInValue = "<r><time seconds='0'><value address='1'>1<value address='2'>2</value>7"
+        const QByteArray valueInValue = "<r><time seconds='0'><value address='1'>1<value address='2'>2</value>7"
                                         "</value><value address='3'>3</value></time></r>";
         QTest::newRow("value in value: parsing goes on") << valueInValue << qint64(0) << 3 << 3.0f;
         // The open tag at 5 s keeps its complete value; the unfinished one and
         // everything after the mismatched end are lost.
-        QByteArray const mismatched = "<r><time seconds='0'><value address='1'>1</value></time>"
+        const QByteArray mismatched = "<r><time seconds='0'><value address='1'>1</value></time>"
                                       "<time seconds='5'><value address='1'>2</value><value address='2'>5</oops>"
                                       "<time seconds='6'><value address='1'>3</value></time></r>";
         QTest::newRow("mismatched end: the open tag's value") << mismatched << qint64(6000) << 1 << 2.0f;
@@ -123,7 +123,7 @@ private slots:
         QFETCH(int, address);
         QFETCH(float, expected);
 
-        QString const path = document.isNull() ? dir.filePath(QStringLiteral("absent.xml")) : writeFile(document);
+        const QString path = document.isNull() ? dir.filePath(QStringLiteral("absent.xml")) : writeFile(document);
         QVERIFY(!path.isEmpty());
         SteppedClockReader reader(path);
         reader.setElapsedMs(elapsedMs);
@@ -136,7 +136,7 @@ private slots:
     // The script runs on the real clock from construction on.
     void scriptRunsOnTheWallClock()
     {
-        QString const path = writeFile("<r><time seconds='0'><value address='1'>1</value></time>"
+        const QString path = writeFile("<r><time seconds='0'><value address='1'>1</value></time>"
                                        "<time seconds='1'><value address='1'>2</value></time></r>");
         QElapsedTimer elapsed;
         elapsed.start();

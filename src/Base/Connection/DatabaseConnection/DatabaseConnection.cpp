@@ -79,19 +79,11 @@ void DatabaseConnection::connectSignals()
 
 bool DatabaseConnection::createApplicationTables()
 {
-    return createTableChamber()
-        && createTableGlobalSettings()
-        && createTableMetaRecordingHasRecordings()
-        && createTableProtocolEntry()
-        && createTableRecording()
-        && createTableRecordset()
-        && createTableRecordsetComment()
-        && createTableToleranceRange()
-        && createTableRoom()
-        && createTableRoomChamberPosition()
-        && createTableUser()
-        && createTableUserHasChamberSignalVisibilityPreference()
-        && createTableUserPreferences();
+    return createTableChamber() && createTableGlobalSettings() && createTableMetaRecordingHasRecordings()
+           && createTableProtocolEntry() && createTableRecording() && createTableRecordset()
+           && createTableRecordsetComment() && createTableToleranceRange() && createTableRoom()
+           && createTableRoomChamberPosition() && createTableUser()
+           && createTableUserHasChamberSignalVisibilityPreference() && createTableUserPreferences();
 }
 
 bool DatabaseConnection::initializeStores()

@@ -65,7 +65,8 @@ bool DatabaseConnection::createTableMetaRecordingHasRecordings()
 {
     const QString metaRecordingId =
         lookupMetaRecordingHasRecordingColumnName(MetaRecordingHasRecordingProperty::META_RECORDING_ID);
-    const QString recordingId = lookupMetaRecordingHasRecordingColumnName(MetaRecordingHasRecordingProperty::RECORDING_ID);
+    const QString recordingId =
+        lookupMetaRecordingHasRecordingColumnName(MetaRecordingHasRecordingProperty::RECORDING_ID);
     const QList<Column> columns = {
         {metaRecordingId, SqlQuery::INTEGER, SqlQuery::NOT_NULL},
         {recordingId, SqlQuery::INTEGER, SqlQuery::NOT_NULL},

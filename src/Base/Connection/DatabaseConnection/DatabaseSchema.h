@@ -40,13 +40,13 @@ public:
     static QString lookupChamberTableName();
     static QString lookupChamberColumnName(zelmor::domain::api::ChamberProperty property);
     static QString lookupChamberHasCustomSignalNameTableName();
-    static QString lookupChamberHasCustomSignalNameColumnName(
-        zelmor::domain::api::ChamberHasCustomSignalNameProperty property);
+    static QString
+    lookupChamberHasCustomSignalNameColumnName(zelmor::domain::api::ChamberHasCustomSignalNameProperty property);
     static QString lookupChamberHasSignalDelayTableName();
     static QString lookupChamberHasSignalDelayColumnName(zelmor::domain::api::ChamberHasSignalDelayProperty property);
     static QString lookupChamberHasSubscribedSignalTableName();
-    static QString lookupChamberHasSubscribedSignalColumnName(
-        zelmor::domain::api::ChamberHasSubscribedSignalProperty property);
+    static QString
+    lookupChamberHasSubscribedSignalColumnName(zelmor::domain::api::ChamberHasSubscribedSignalProperty property);
     static QString lookupToleranceRangeTableName();
     static QString lookupToleranceRangeColumnName(zelmor::domain::api::ToleranceRangeProperty property);
     static QString lookupProgramTableName();
@@ -63,20 +63,20 @@ public:
     // One bit only: a combination of bits names no column.
     static QString lookupRecordingColumnName(zelmor::domain::api::RecordingProperty property);
     static QString lookupMetaRecordingHasRecordingTableName();
-    static QString lookupMetaRecordingHasRecordingColumnName(
-        zelmor::domain::api::MetaRecordingHasRecordingProperty property);
+    static QString
+    lookupMetaRecordingHasRecordingColumnName(zelmor::domain::api::MetaRecordingHasRecordingProperty property);
     static QString lookupRecordsetTableName();
     static QString lookupRecordsetColumnName(zelmor::domain::api::RecordsetProperty property);
     static QString lookupRecordsetCommentTableName();
     static QString lookupRecordsetCommentColumnName(zelmor::domain::api::RecordsetCommentProperty property);
     static QString lookupRecordingHasSignalColumnTableName();
-    static QString lookupRecordingHasSignalColumnColumnName(
-        zelmor::domain::api::RecordingHasSignalColumnProperty property);
+    static QString
+    lookupRecordingHasSignalColumnColumnName(zelmor::domain::api::RecordingHasSignalColumnProperty property);
     static QString lookupUserTableName();
     static QString lookupUserColumnName(zelmor::domain::api::UserProperty property);
     static QString lookupUserHasSecurityQuestionTableName();
-    static QString lookupUserHasSecurityQuestionColumnName(
-        zelmor::domain::api::UserHasSecurityQuestionProperty property);
+    static QString
+    lookupUserHasSecurityQuestionColumnName(zelmor::domain::api::UserHasSecurityQuestionProperty property);
     static QString lookupUserPreferencesTableName();
     static QString lookupUserPreferencesColumnName(zelmor::domain::api::UserPreferencesProperty property);
     static QString lookupUserHasChamberSignalVisibilityPreferenceTableName();
@@ -105,8 +105,8 @@ public:
     static QString lookupAdditionalInfoTableName();
     static QString lookupAdditionalInfoColumnName(zelmor::domain::api::AdditionalInfoProperty property);
     static QString lookupChamberTypeHasAdditionalInfoTableName();
-    static QString lookupChamberTypeHasAdditionalInfoColumnName(
-        zelmor::domain::api::ChamberTypeHasAdditionalInfoProperty property);
+    static QString
+    lookupChamberTypeHasAdditionalInfoColumnName(zelmor::domain::api::ChamberTypeHasAdditionalInfoProperty property);
     static QString lookupChamberTypeHasProtocolTableName();
     static QString lookupChamberTypeHasProtocolColumnName(zelmor::domain::api::ChamberTypeHasProtocolProperty property);
     static QString lookupChamberTypeHasSignalTableName();
@@ -124,8 +124,8 @@ public:
     static QString lookupValueTypeTableName();
     static QString lookupValueTypeColumnName(zelmor::domain::api::ValueTypeProperty property);
     static QString lookupChamberTypeHasControlSignalsTableName();
-    static QString lookupChamberTypeHasControlSignalsColumnName(
-        zelmor::domain::api::ChamberTypeHasControlSignalsProperty property);
+    static QString
+    lookupChamberTypeHasControlSignalsColumnName(zelmor::domain::api::ChamberTypeHasControlSignalsProperty property);
     static QString lookupControlSignalsTableName();
     static QString lookupControlSignalsColumnName(zelmor::domain::api::ControlSignalsProperty property);
     static QString lookupChamberTypeHasDataloggerSignalTableName();
@@ -136,11 +136,11 @@ public:
     static QString lookupOptionsTableName();
     static QString lookupOptionsColumnName(zelmor::domain::api::OptionsProperty property);
     static QString lookupChamberTypeHasTestSignalTableName();
-    static QString lookupChamberTypeHasTestSignalColumnName(
-        zelmor::domain::api::ChamberTypeHasTestSignalProperty property);
+    static QString
+    lookupChamberTypeHasTestSignalColumnName(zelmor::domain::api::ChamberTypeHasTestSignalProperty property);
     static QString lookupChamberTypeHasToleranceRangeTableName();
-    static QString lookupChamberTypeHasToleranceRangeColumnName(
-        zelmor::domain::api::ChamberTypeHasToleranceRangeProperty property);
+    static QString
+    lookupChamberTypeHasToleranceRangeColumnName(zelmor::domain::api::ChamberTypeHasToleranceRangeProperty property);
     // The same text as lookupToleranceRangeTableName(); the two databases keep them apart.
     static QString lookupDefaultToleranceRangeTableName();
     static QString lookupDefaultToleranceRangeColumnName(zelmor::domain::api::DefaultToleranceRangeProperty property);

@@ -16,9 +16,12 @@ QString DatabaseSchema::lookupAdditionalInfoTableName()
 QString DatabaseSchema::lookupAdditionalInfoColumnName(AdditionalInfoProperty property)
 {
     switch (property) {
-    case AdditionalInfoProperty::ID: return QStringLiteral("id");
-    case AdditionalInfoProperty::ARTICLE_NR: return QStringLiteral("article_nr");
-    case AdditionalInfoProperty::INFO: return QStringLiteral("info");
+    case AdditionalInfoProperty::ID:
+        return QStringLiteral("id");
+    case AdditionalInfoProperty::ARTICLE_NR:
+        return QStringLiteral("article_nr");
+    case AdditionalInfoProperty::INFO:
+        return QStringLiteral("info");
     }
     Q_ASSERT(false);
     return QString();
@@ -32,8 +35,10 @@ QString DatabaseSchema::lookupChamberTypeHasAdditionalInfoTableName()
 QString DatabaseSchema::lookupChamberTypeHasAdditionalInfoColumnName(ChamberTypeHasAdditionalInfoProperty property)
 {
     switch (property) {
-    case ChamberTypeHasAdditionalInfoProperty::CHAMBER_TYPE_ID: return QStringLiteral("chamber_type_id");
-    case ChamberTypeHasAdditionalInfoProperty::ADDITIONAL_INFO_ID: return QStringLiteral("additional_info_id");
+    case ChamberTypeHasAdditionalInfoProperty::CHAMBER_TYPE_ID:
+        return QStringLiteral("chamber_type_id");
+    case ChamberTypeHasAdditionalInfoProperty::ADDITIONAL_INFO_ID:
+        return QStringLiteral("additional_info_id");
     }
     Q_ASSERT(false);
     return QString();
@@ -47,8 +52,10 @@ QString DatabaseSchema::lookupChamberTypeHasProtocolTableName()
 QString DatabaseSchema::lookupChamberTypeHasProtocolColumnName(ChamberTypeHasProtocolProperty property)
 {
     switch (property) {
-    case ChamberTypeHasProtocolProperty::CHAMBER_TYPE_ID: return QStringLiteral("chamber_type_id");
-    case ChamberTypeHasProtocolProperty::PROTOCOL_ID: return QStringLiteral("protocol_id");
+    case ChamberTypeHasProtocolProperty::CHAMBER_TYPE_ID:
+        return QStringLiteral("chamber_type_id");
+    case ChamberTypeHasProtocolProperty::PROTOCOL_ID:
+        return QStringLiteral("protocol_id");
     }
     Q_ASSERT(false);
     return QString();
@@ -62,8 +69,10 @@ QString DatabaseSchema::lookupChamberTypeHasSignalTableName()
 QString DatabaseSchema::lookupChamberTypeHasSignalColumnName(ChamberTypeHasSignalProperty property)
 {
     switch (property) {
-    case ChamberTypeHasSignalProperty::CHAMBER_TYPE_ID: return QStringLiteral("chamber_type_id");
-    case ChamberTypeHasSignalProperty::SIGNAL_ID: return QStringLiteral("signal_id");
+    case ChamberTypeHasSignalProperty::CHAMBER_TYPE_ID:
+        return QStringLiteral("chamber_type_id");
+    case ChamberTypeHasSignalProperty::SIGNAL_ID:
+        return QStringLiteral("signal_id");
     }
     Q_ASSERT(false);
     return QString();
@@ -77,20 +86,34 @@ QString DatabaseSchema::lookupChamberTypeTableName()
 QString DatabaseSchema::lookupChamberTypeColumnName(ChamberTypeProperty property)
 {
     switch (property) {
-    case ChamberTypeProperty::ID: return QStringLiteral("id");
-    case ChamberTypeProperty::TYPE: return QStringLiteral("type");
-    case ChamberTypeProperty::DEVELOPEMENT_STATE: return QStringLiteral("developement_state");
-    case ChamberTypeProperty::SIZE: return QStringLiteral("size");
-    case ChamberTypeProperty::VOLTAGE: return QStringLiteral("voltage");
-    case ChamberTypeProperty::IMAGE: return QStringLiteral("image");
-    case ChamberTypeProperty::DESCRIPTION: return QStringLiteral("description");
-    case ChamberTypeProperty::FIRMWARE_START: return QStringLiteral("firmware_start");
-    case ChamberTypeProperty::FIRMWARE_ENDE: return QStringLiteral("firmware_ende");
-    case ChamberTypeProperty::SETUP_KENNUNG: return QStringLiteral("setup_kennung");
-    case ChamberTypeProperty::SETUP_VERSION_START: return QStringLiteral("setup_version_start");
-    case ChamberTypeProperty::SETUP_VERSION_ENDE: return QStringLiteral("setup_version_ende");
-    case ChamberTypeProperty::KENNUNG_PROGRAMME: return QStringLiteral("kennung_programme");
-    case ChamberTypeProperty::CONTROLLER_ID: return QStringLiteral("controller_id");
+    case ChamberTypeProperty::ID:
+        return QStringLiteral("id");
+    case ChamberTypeProperty::TYPE:
+        return QStringLiteral("type");
+    case ChamberTypeProperty::DEVELOPEMENT_STATE:
+        return QStringLiteral("developement_state");
+    case ChamberTypeProperty::SIZE:
+        return QStringLiteral("size");
+    case ChamberTypeProperty::VOLTAGE:
+        return QStringLiteral("voltage");
+    case ChamberTypeProperty::IMAGE:
+        return QStringLiteral("image");
+    case ChamberTypeProperty::DESCRIPTION:
+        return QStringLiteral("description");
+    case ChamberTypeProperty::FIRMWARE_START:
+        return QStringLiteral("firmware_start");
+    case ChamberTypeProperty::FIRMWARE_ENDE:
+        return QStringLiteral("firmware_ende");
+    case ChamberTypeProperty::SETUP_KENNUNG:
+        return QStringLiteral("setup_kennung");
+    case ChamberTypeProperty::SETUP_VERSION_START:
+        return QStringLiteral("setup_version_start");
+    case ChamberTypeProperty::SETUP_VERSION_ENDE:
+        return QStringLiteral("setup_version_ende");
+    case ChamberTypeProperty::KENNUNG_PROGRAMME:
+        return QStringLiteral("kennung_programme");
+    case ChamberTypeProperty::CONTROLLER_ID:
+        return QStringLiteral("controller_id");
     }
     Q_ASSERT(false);
     return QString();
@@ -104,8 +127,10 @@ QString DatabaseSchema::lookupControllerTableName()
 QString DatabaseSchema::lookupControllerColumnName(ControllerProperty property)
 {
     switch (property) {
-    case ControllerProperty::ID: return QStringLiteral("id");
-    case ControllerProperty::TYPE: return QStringLiteral("type");
+    case ControllerProperty::ID:
+        return QStringLiteral("id");
+    case ControllerProperty::TYPE:
+        return QStringLiteral("type");
     }
     Q_ASSERT(false);
     return QString();
@@ -119,15 +144,24 @@ QString DatabaseSchema::lookupControllerDataTableName()
 QString DatabaseSchema::lookupControllerDataColumnName(ControllerDataProperty property)
 {
     switch (property) {
-    case ControllerDataProperty::ID: return QStringLiteral("id");
-    case ControllerDataProperty::ADDRESS: return QStringLiteral("address");
-    case ControllerDataProperty::ADDRESS_TYPE: return QStringLiteral("address_type");
-    case ControllerDataProperty::VARIABLE_TYPE: return QStringLiteral("variable_type");
-    case ControllerDataProperty::ACCESS: return QStringLiteral("access");
-    case ControllerDataProperty::DESCRIPTION: return QStringLiteral("description");
-    case ControllerDataProperty::CONTROLLER_ID: return QStringLiteral("controller_id");
-    case ControllerDataProperty::SET_POINT_NR: return QStringLiteral("set_point_nr");
-    case ControllerDataProperty::COMMENT: return QStringLiteral("comment");
+    case ControllerDataProperty::ID:
+        return QStringLiteral("id");
+    case ControllerDataProperty::ADDRESS:
+        return QStringLiteral("address");
+    case ControllerDataProperty::ADDRESS_TYPE:
+        return QStringLiteral("address_type");
+    case ControllerDataProperty::VARIABLE_TYPE:
+        return QStringLiteral("variable_type");
+    case ControllerDataProperty::ACCESS:
+        return QStringLiteral("access");
+    case ControllerDataProperty::DESCRIPTION:
+        return QStringLiteral("description");
+    case ControllerDataProperty::CONTROLLER_ID:
+        return QStringLiteral("controller_id");
+    case ControllerDataProperty::SET_POINT_NR:
+        return QStringLiteral("set_point_nr");
+    case ControllerDataProperty::COMMENT:
+        return QStringLiteral("comment");
     }
     Q_ASSERT(false);
     return QString();
@@ -141,9 +175,12 @@ QString DatabaseSchema::lookupProtocolTableName()
 QString DatabaseSchema::lookupProtocolColumnName(ProtocolProperty property)
 {
     switch (property) {
-    case ProtocolProperty::ID: return QStringLiteral("id");
-    case ProtocolProperty::TYPE: return QStringLiteral("type");
-    case ProtocolProperty::INTERFACE: return QStringLiteral("interface");
+    case ProtocolProperty::ID:
+        return QStringLiteral("id");
+    case ProtocolProperty::TYPE:
+        return QStringLiteral("type");
+    case ProtocolProperty::INTERFACE:
+        return QStringLiteral("interface");
     }
     Q_ASSERT(false);
     return QString();
@@ -157,22 +194,38 @@ QString DatabaseSchema::lookupSignalTableName()
 QString DatabaseSchema::lookupSignalColumnName(SignalProperty property)
 {
     switch (property) {
-    case SignalProperty::ID: return QStringLiteral("id");
-    case SignalProperty::NAME: return QStringLiteral("name");
-    case SignalProperty::READ: return QStringLiteral("read");
-    case SignalProperty::WRITE_BASIC: return QStringLiteral("write_basic");
-    case SignalProperty::WRITE_MANUAL: return QStringLiteral("write_manual");
-    case SignalProperty::WRITE_AUTO: return QStringLiteral("write_auto");
-    case SignalProperty::UNIT: return QStringLiteral("unit");
-    case SignalProperty::USER_LEVEL: return QStringLiteral("user_level");
-    case SignalProperty::LIMIT_MIN: return QStringLiteral("limit_min");
-    case SignalProperty::LIMIT_MAX: return QStringLiteral("limit_max");
-    case SignalProperty::BITPOSITION: return QStringLiteral("bitposition");
-    case SignalProperty::SIGNAL_TYPE: return QStringLiteral("signal_type");
-    case SignalProperty::VALUE_TYPE: return QStringLiteral("value_type");
-    case SignalProperty::SET_POINT_SIGNAL: return QStringLiteral("set_point_signal");
-    case SignalProperty::TIME_PROGRAMMABLE: return QStringLiteral("time_programmable");
-    case SignalProperty::WEEK_PROGRAMMABLE: return QStringLiteral("week_programmable");
+    case SignalProperty::ID:
+        return QStringLiteral("id");
+    case SignalProperty::NAME:
+        return QStringLiteral("name");
+    case SignalProperty::READ:
+        return QStringLiteral("read");
+    case SignalProperty::WRITE_BASIC:
+        return QStringLiteral("write_basic");
+    case SignalProperty::WRITE_MANUAL:
+        return QStringLiteral("write_manual");
+    case SignalProperty::WRITE_AUTO:
+        return QStringLiteral("write_auto");
+    case SignalProperty::UNIT:
+        return QStringLiteral("unit");
+    case SignalProperty::USER_LEVEL:
+        return QStringLiteral("user_level");
+    case SignalProperty::LIMIT_MIN:
+        return QStringLiteral("limit_min");
+    case SignalProperty::LIMIT_MAX:
+        return QStringLiteral("limit_max");
+    case SignalProperty::BITPOSITION:
+        return QStringLiteral("bitposition");
+    case SignalProperty::SIGNAL_TYPE:
+        return QStringLiteral("signal_type");
+    case SignalProperty::VALUE_TYPE:
+        return QStringLiteral("value_type");
+    case SignalProperty::SET_POINT_SIGNAL:
+        return QStringLiteral("set_point_signal");
+    case SignalProperty::TIME_PROGRAMMABLE:
+        return QStringLiteral("time_programmable");
+    case SignalProperty::WEEK_PROGRAMMABLE:
+        return QStringLiteral("week_programmable");
     }
     Q_ASSERT(false);
     return QString();
@@ -186,10 +239,14 @@ QString DatabaseSchema::lookupValueTypeTableName()
 QString DatabaseSchema::lookupValueTypeColumnName(ValueTypeProperty property)
 {
     switch (property) {
-    case ValueTypeProperty::ID: return QStringLiteral("id");
-    case ValueTypeProperty::NAME: return QStringLiteral("name");
-    case ValueTypeProperty::DECIMAL_PLACES: return QStringLiteral("decimal_places");
-    case ValueTypeProperty::COLOR: return QStringLiteral("color");
+    case ValueTypeProperty::ID:
+        return QStringLiteral("id");
+    case ValueTypeProperty::NAME:
+        return QStringLiteral("name");
+    case ValueTypeProperty::DECIMAL_PLACES:
+        return QStringLiteral("decimal_places");
+    case ValueTypeProperty::COLOR:
+        return QStringLiteral("color");
     }
     Q_ASSERT(false);
     return QString();
@@ -203,8 +260,10 @@ QString DatabaseSchema::lookupChamberTypeHasControlSignalsTableName()
 QString DatabaseSchema::lookupChamberTypeHasControlSignalsColumnName(ChamberTypeHasControlSignalsProperty property)
 {
     switch (property) {
-    case ChamberTypeHasControlSignalsProperty::CHAMBER_TYPE_ID: return QStringLiteral("chamber_type_id");
-    case ChamberTypeHasControlSignalsProperty::CONTROL_SIGNALS_ID: return QStringLiteral("control_signals_id");
+    case ChamberTypeHasControlSignalsProperty::CHAMBER_TYPE_ID:
+        return QStringLiteral("chamber_type_id");
+    case ChamberTypeHasControlSignalsProperty::CONTROL_SIGNALS_ID:
+        return QStringLiteral("control_signals_id");
     }
     Q_ASSERT(false);
     return QString();
@@ -218,12 +277,18 @@ QString DatabaseSchema::lookupControlSignalsTableName()
 QString DatabaseSchema::lookupControlSignalsColumnName(ControlSignalsProperty property)
 {
     switch (property) {
-    case ControlSignalsProperty::ID: return QStringLiteral("id");
-    case ControlSignalsProperty::NAME: return QStringLiteral("name");
-    case ControlSignalsProperty::BITPOSITION: return QStringLiteral("bitposition");
-    case ControlSignalsProperty::USERLEVEL: return QStringLiteral("userlevel");
-    case ControlSignalsProperty::READ: return QStringLiteral("read");
-    case ControlSignalsProperty::WRITE: return QStringLiteral("write");
+    case ControlSignalsProperty::ID:
+        return QStringLiteral("id");
+    case ControlSignalsProperty::NAME:
+        return QStringLiteral("name");
+    case ControlSignalsProperty::BITPOSITION:
+        return QStringLiteral("bitposition");
+    case ControlSignalsProperty::USERLEVEL:
+        return QStringLiteral("userlevel");
+    case ControlSignalsProperty::READ:
+        return QStringLiteral("read");
+    case ControlSignalsProperty::WRITE:
+        return QStringLiteral("write");
     }
     Q_ASSERT(false);
     return QString();
@@ -237,9 +302,12 @@ QString DatabaseSchema::lookupChamberTypeHasDataloggerSignalTableName()
 QString DatabaseSchema::lookupChamberTypeHasDataloggerSignalColumnName(ChamberTypeHasDataloggerSignalProperty property)
 {
     switch (property) {
-    case ChamberTypeHasDataloggerSignalProperty::CHAMBER_TYPE_ID: return QStringLiteral("chamber_type_id");
-    case ChamberTypeHasDataloggerSignalProperty::DATALOGGER_SIGNAL_ID: return QStringLiteral("datalogger_signal_id");
-    case ChamberTypeHasDataloggerSignalProperty::CHANNEL: return QStringLiteral("channel");
+    case ChamberTypeHasDataloggerSignalProperty::CHAMBER_TYPE_ID:
+        return QStringLiteral("chamber_type_id");
+    case ChamberTypeHasDataloggerSignalProperty::DATALOGGER_SIGNAL_ID:
+        return QStringLiteral("datalogger_signal_id");
+    case ChamberTypeHasDataloggerSignalProperty::CHANNEL:
+        return QStringLiteral("channel");
     }
     Q_ASSERT(false);
     return QString();
@@ -253,8 +321,10 @@ QString DatabaseSchema::lookupChamberTypeHasOptionsTableName()
 QString DatabaseSchema::lookupChamberTypeHasOptionsColumnName(ChamberTypeHasOptionsProperty property)
 {
     switch (property) {
-    case ChamberTypeHasOptionsProperty::CHAMBER_TYPE_ID: return QStringLiteral("chamber_type_id");
-    case ChamberTypeHasOptionsProperty::OPTIONS_ID: return QStringLiteral("options_id");
+    case ChamberTypeHasOptionsProperty::CHAMBER_TYPE_ID:
+        return QStringLiteral("chamber_type_id");
+    case ChamberTypeHasOptionsProperty::OPTIONS_ID:
+        return QStringLiteral("options_id");
     }
     Q_ASSERT(false);
     return QString();
@@ -268,9 +338,12 @@ QString DatabaseSchema::lookupOptionsTableName()
 QString DatabaseSchema::lookupOptionsColumnName(OptionsProperty property)
 {
     switch (property) {
-    case OptionsProperty::ID: return QStringLiteral("id");
-    case OptionsProperty::NAME: return QStringLiteral("name");
-    case OptionsProperty::FIX: return QStringLiteral("fix");
+    case OptionsProperty::ID:
+        return QStringLiteral("id");
+    case OptionsProperty::NAME:
+        return QStringLiteral("name");
+    case OptionsProperty::FIX:
+        return QStringLiteral("fix");
     }
     Q_ASSERT(false);
     return QString();
@@ -284,8 +357,10 @@ QString DatabaseSchema::lookupChamberTypeHasTestSignalTableName()
 QString DatabaseSchema::lookupChamberTypeHasTestSignalColumnName(ChamberTypeHasTestSignalProperty property)
 {
     switch (property) {
-    case ChamberTypeHasTestSignalProperty::CHAMBER_TYPE_ID: return QStringLiteral("chamber_type_id");
-    case ChamberTypeHasTestSignalProperty::TEST_SIGNAL_ID: return QStringLiteral("test_signal_id");
+    case ChamberTypeHasTestSignalProperty::CHAMBER_TYPE_ID:
+        return QStringLiteral("chamber_type_id");
+    case ChamberTypeHasTestSignalProperty::TEST_SIGNAL_ID:
+        return QStringLiteral("test_signal_id");
     }
     Q_ASSERT(false);
     return QString();
@@ -299,8 +374,10 @@ QString DatabaseSchema::lookupChamberTypeHasToleranceRangeTableName()
 QString DatabaseSchema::lookupChamberTypeHasToleranceRangeColumnName(ChamberTypeHasToleranceRangeProperty property)
 {
     switch (property) {
-    case ChamberTypeHasToleranceRangeProperty::CHAMBER_TYPE_ID: return QStringLiteral("chamber_type_id");
-    case ChamberTypeHasToleranceRangeProperty::TOLERANCE_RANGE_ID: return QStringLiteral("tolerance_range_id");
+    case ChamberTypeHasToleranceRangeProperty::CHAMBER_TYPE_ID:
+        return QStringLiteral("chamber_type_id");
+    case ChamberTypeHasToleranceRangeProperty::TOLERANCE_RANGE_ID:
+        return QStringLiteral("tolerance_range_id");
     }
     Q_ASSERT(false);
     return QString();
@@ -314,14 +391,22 @@ QString DatabaseSchema::lookupDefaultToleranceRangeTableName()
 QString DatabaseSchema::lookupDefaultToleranceRangeColumnName(DefaultToleranceRangeProperty property)
 {
     switch (property) {
-    case DefaultToleranceRangeProperty::ID: return QStringLiteral("id");
-    case DefaultToleranceRangeProperty::NAME: return QStringLiteral("name");
-    case DefaultToleranceRangeProperty::SET_POINT: return QStringLiteral("set_point");
-    case DefaultToleranceRangeProperty::PROCESS_VALUE: return QStringLiteral("process_value");
-    case DefaultToleranceRangeProperty::RANGE_MIN: return QStringLiteral("range_min");
-    case DefaultToleranceRangeProperty::RANGE_MAX: return QStringLiteral("range_max");
-    case DefaultToleranceRangeProperty::DELAY1: return QStringLiteral("delay1");
-    case DefaultToleranceRangeProperty::DELAY2: return QStringLiteral("delay2");
+    case DefaultToleranceRangeProperty::ID:
+        return QStringLiteral("id");
+    case DefaultToleranceRangeProperty::NAME:
+        return QStringLiteral("name");
+    case DefaultToleranceRangeProperty::SET_POINT:
+        return QStringLiteral("set_point");
+    case DefaultToleranceRangeProperty::PROCESS_VALUE:
+        return QStringLiteral("process_value");
+    case DefaultToleranceRangeProperty::RANGE_MIN:
+        return QStringLiteral("range_min");
+    case DefaultToleranceRangeProperty::RANGE_MAX:
+        return QStringLiteral("range_max");
+    case DefaultToleranceRangeProperty::DELAY1:
+        return QStringLiteral("delay1");
+    case DefaultToleranceRangeProperty::DELAY2:
+        return QStringLiteral("delay2");
     }
     Q_ASSERT(false);
     return QString();
@@ -335,9 +420,12 @@ QString DatabaseSchema::lookupActivityAccessTableName()
 QString DatabaseSchema::lookupActivityAccessColumnName(ActivityAccessProperty property)
 {
     switch (property) {
-    case ActivityAccessProperty::COMPONENT_ID: return QStringLiteral("component_id");
-    case ActivityAccessProperty::ACTIVITY_ID: return QStringLiteral("activity_id");
-    case ActivityAccessProperty::MIN_USER_LEVEL: return QStringLiteral("min_user_level");
+    case ActivityAccessProperty::COMPONENT_ID:
+        return QStringLiteral("component_id");
+    case ActivityAccessProperty::ACTIVITY_ID:
+        return QStringLiteral("activity_id");
+    case ActivityAccessProperty::MIN_USER_LEVEL:
+        return QStringLiteral("min_user_level");
     }
     Q_ASSERT(false);
     return QString();

@@ -232,8 +232,7 @@ bool SqlConfigurationDatabaseConnection::initialize()
     };
     for (const QString& table : requiredTables) {
         if (!connection->containsTable(table)) {
-            qCCritical(SQLCONFIGURATIONDATABASECONNECTION)
-                << "The configuration database lacks the table" << table;
+            qCCritical(SQLCONFIGURATIONDATABASECONNECTION) << "The configuration database lacks the table" << table;
             emit error(MISSING_TABLE);
             return false;
         }
@@ -268,8 +267,7 @@ QList<ChamberTypeData> SqlConfigurationDatabaseConnection::getAllProgrammableCha
         .whereColumn(DC::lookupSignalColumnName(SignalProperty::TIME_PROGRAMMABLE))
         .equals(true);
     SqlQuery typesWithThem;
-    typesWithThem
-        .selectColumn(DC::lookupChamberTypeHasSignalColumnName(ChamberTypeHasSignalProperty::CHAMBER_TYPE_ID))
+    typesWithThem.selectColumn(DC::lookupChamberTypeHasSignalColumnName(ChamberTypeHasSignalProperty::CHAMBER_TYPE_ID))
         .fromTable(DC::lookupChamberTypeHasSignalTableName())
         .whereColumn(DC::lookupChamberTypeHasSignalColumnName(ChamberTypeHasSignalProperty::SIGNAL_ID))
         .inSelectQuery(programmableSignals);
@@ -287,8 +285,7 @@ QList<ChamberTypeData> SqlConfigurationDatabaseConnection::getAllProgrammableCha
     return result;
 }
 
-ChamberTypeData SqlConfigurationDatabaseConnection::getChamberTypeData(const ChamberTypeId& id,
-                                                                       bool withSignals) const
+ChamberTypeData SqlConfigurationDatabaseConnection::getChamberTypeData(const ChamberTypeId& id, bool withSignals) const
 {
     if (!checkDependencies("getChamberTypeData")) {
         return ChamberTypeData();
@@ -299,13 +296,11 @@ ChamberTypeData SqlConfigurationDatabaseConnection::getChamberTypeData(const Cha
         .whereColumn(DC::lookupChamberTypeColumnName(ChamberTypeProperty::ID))
         .equals(id.typeId);
 
-    const QList<ChamberTypeData> variants = parseChamberTypeDataRow(connection->fetchSingleRow(query),
-                                                                    chamberTypeColumnCount, withSignals,
-                                                                    id.additionalInfoId);
+    const QList<ChamberTypeData> variants = parseChamberTypeDataRow(
+        connection->fetchSingleRow(query), chamberTypeColumnCount, withSignals, id.additionalInfoId);
     if (variants.size() > 1) {
-        qCWarning(SQLCONFIGURATIONDATABASECONNECTION)
-            << "Chamber type" << id.typeId << "has" << variants.size()
-            << "variants; an additional info id must choose one";
+        qCWarning(SQLCONFIGURATIONDATABASECONNECTION) << "Chamber type" << id.typeId << "has" << variants.size()
+                                                      << "variants; an additional info id must choose one";
         emit error(UNEXPECTED_RESULT);
         return ChamberTypeData();
     }
@@ -356,8 +351,8 @@ QMap<int, ChamberSignal> SqlConfigurationDatabaseConnection::getSetpointChamberS
         return {};
     }
     const QString setPointText = DC::signalTypeMap.key(ChamberSignal::SET_POINT);
-    return getChamberSignals(selectSignalsIn(signalIdsOfTypeWhere(id.typeId, SignalProperty::SIGNAL_TYPE, setPointText)),
-                             signalColumnCount);
+    return getChamberSignals(
+        selectSignalsIn(signalIdsOfTypeWhere(id.typeId, SignalProperty::SIGNAL_TYPE, setPointText)), signalColumnCount);
 }
 
 QMap<int, ChamberSignal> SqlConfigurationDatabaseConnection::getChamberSignals(QList<SignalId> ids) const
@@ -380,8 +375,7 @@ QSharedPointer<ChamberSignal> SqlConfigurationDatabaseConnection::getChamberSign
     }
     const QMap<int, ChamberSignal> signalMap = getChamberSignals(QList<SignalId>{id});
     if (signalMap.size() != 1 || signalMap.firstKey() != id) {
-        qCWarning(SQLCONFIGURATIONDATABASECONNECTION)
-            << "Signal" << id << "is not in the catalogue, or not once";
+        qCWarning(SQLCONFIGURATIONDATABASECONNECTION) << "Signal" << id << "is not in the catalogue, or not once";
         emit error(UNEXPECTED_RESULT);
         return {};
     }
@@ -435,17 +429,15 @@ QList<ChamberSignal> SqlConfigurationDatabaseConnection::getDataloggerChamberSig
     SqlQuery query;
     query.selectTableColumns(signalTableColumnPairs(signalTable))
         .fromTable(signalTable)
-        .joinOnMatch(
-            {{signalTable, DC::lookupSignalColumnName(SignalProperty::ID)},
-             {channels,
-              DC::lookupChamberTypeHasDataloggerSignalColumnName(ChamberTypeHasDataloggerSignalProperty::DATALOGGER_SIGNAL_ID)}})
-        .whereTableColumn(
-            {channels,
-             DC::lookupChamberTypeHasDataloggerSignalColumnName(ChamberTypeHasDataloggerSignalProperty::CHAMBER_TYPE_ID)})
+        .joinOnMatch({{signalTable, DC::lookupSignalColumnName(SignalProperty::ID)},
+                      {channels, DC::lookupChamberTypeHasDataloggerSignalColumnName(
+                                     ChamberTypeHasDataloggerSignalProperty::DATALOGGER_SIGNAL_ID)}})
+        .whereTableColumn({channels, DC::lookupChamberTypeHasDataloggerSignalColumnName(
+                                         ChamberTypeHasDataloggerSignalProperty::CHAMBER_TYPE_ID)})
         .equals(id.typeId)
-        .orderByTableColumn(
-            {channels, DC::lookupChamberTypeHasDataloggerSignalColumnName(ChamberTypeHasDataloggerSignalProperty::CHANNEL)},
-            SqlQuery::ASC);
+        .orderByTableColumn({channels, DC::lookupChamberTypeHasDataloggerSignalColumnName(
+                                           ChamberTypeHasDataloggerSignalProperty::CHANNEL)},
+                            SqlQuery::ASC);
 
     QList<ChamberSignal> result;
     const ChamberSignal emptySignal;
@@ -482,8 +474,8 @@ DefaultToleranceRange SqlConfigurationDatabaseConnection::getDefaultToleranceRan
     const QList<DefaultToleranceRange> found = getDefaultToleranceRanges(query, defaultToleranceRangeColumnCount);
     if (found.size() > 1) {
         qCWarning(SQLCONFIGURATIONDATABASECONNECTION)
-            << "Chamber type" << id.typeId << "has" << found.size() << "default tolerance ranges for signal"
-            << signalId << "; the first one counts";
+            << "Chamber type" << id.typeId << "has" << found.size() << "default tolerance ranges for signal" << signalId
+            << "; the first one counts";
         emit error(UNEXPECTED_RESULT);
     }
     return found.isEmpty() ? DefaultToleranceRange() : found.first();
@@ -498,7 +490,7 @@ int SqlConfigurationDatabaseConnection::getChamberSignalDelay(const ChamberTypeI
     SqlQuery query;
     query
         .selectColumn(DC::lookupDefaultToleranceRangeColumnName(second ? DefaultToleranceRangeProperty::DELAY2
-                                                                        : DefaultToleranceRangeProperty::DELAY1))
+                                                                       : DefaultToleranceRangeProperty::DELAY1))
         .fromTable(DC::lookupDefaultToleranceRangeTableName())
         .whereColumn(DC::lookupDefaultToleranceRangeColumnName(DefaultToleranceRangeProperty::PROCESS_VALUE))
         .equals(signalId)
@@ -590,10 +582,9 @@ QVariant SqlConfigurationDatabaseConnection::getAdditionalInfoProperty(int id, A
     if (!checkDependencies("getAdditionalInfoProperty")) {
         return {};
     }
-    return connection->fetchSingleValue(selectValueById(DC::lookupAdditionalInfoTableName(),
-                                                        DC::lookupAdditionalInfoColumnName(property),
-                                                        DC::lookupAdditionalInfoColumnName(AdditionalInfoProperty::ID),
-                                                        id));
+    return connection->fetchSingleValue(
+        selectValueById(DC::lookupAdditionalInfoTableName(), DC::lookupAdditionalInfoColumnName(property),
+                        DC::lookupAdditionalInfoColumnName(AdditionalInfoProperty::ID), id));
 }
 
 QVariant SqlConfigurationDatabaseConnection::getControllerProperty(int id, ControllerProperty property) const
@@ -666,8 +657,7 @@ SignalId SqlConfigurationDatabaseConnection::getChamberTypeTestSignalId(const Ch
         DC::lookupChamberTypeHasTestSignalColumnName(ChamberTypeHasTestSignalProperty::CHAMBER_TYPE_ID), id.typeId)));
 }
 
-QVariant SqlConfigurationDatabaseConnection::getChamberSignalProperty(const SignalId& id,
-                                                                      SignalProperty property) const
+QVariant SqlConfigurationDatabaseConnection::getChamberSignalProperty(const SignalId& id, SignalProperty property) const
 {
     if (!checkDependencies("getChamberSignalProperty")) {
         return {};
@@ -778,8 +768,8 @@ QList<ChamberOption> SqlConfigurationDatabaseConnection::getChamberOptions(const
         .equals(id.typeId);
     SqlQuery query;
     query
-        .selectColumns({DC::lookupOptionsColumnName(OptionsProperty::NAME),
-                        DC::lookupOptionsColumnName(OptionsProperty::FIX)})
+        .selectColumns(
+            {DC::lookupOptionsColumnName(OptionsProperty::NAME), DC::lookupOptionsColumnName(OptionsProperty::FIX)})
         .fromTable(DC::lookupOptionsTableName())
         .whereColumn(DC::lookupOptionsColumnName(OptionsProperty::ID))
         .inSelectQuery(optionIds);
@@ -797,7 +787,8 @@ QList<ChamberOption> SqlConfigurationDatabaseConnection::getChamberOptions(const
     return result;
 }
 
-QList<DefaultToleranceRange> SqlConfigurationDatabaseConnection::getDefaultToleranceRanges(const ChamberTypeId& id) const
+QList<DefaultToleranceRange>
+SqlConfigurationDatabaseConnection::getDefaultToleranceRanges(const ChamberTypeId& id) const
 {
     if (!checkDependencies("getDefaultToleranceRanges")) {
         return {};
@@ -815,7 +806,7 @@ QList<DefaultToleranceRange> SqlConfigurationDatabaseConnection::getDefaultToler
 }
 
 QList<DefaultToleranceRange> SqlConfigurationDatabaseConnection::getDefaultToleranceRanges(const SqlQuery& query,
-                                                                                         int expectedColumns) const
+                                                                                           int expectedColumns) const
 {
     if (!checkDependencies("getDefaultToleranceRanges")) {
         return {};
@@ -831,18 +822,16 @@ QList<DefaultToleranceRange> SqlConfigurationDatabaseConnection::getDefaultToler
         const ToleranceRange range(UnitValue(unitText, sqlhelper::readFloatSqlValue(row.at(3), 0.0f)),
                                    UnitValue(unitText, sqlhelper::readFloatSqlValue(row.at(4), 0.0f)),
                                    ToleranceRange::RELATIVE);
-        result.append(DefaultToleranceRange(sqlhelper::readStringSqlValue(row.at(0), QString()),
-                                            toSignalId(row.at(1)), toSignalId(row.at(2)), range,
-                                            sqlhelper::readIntSqlValue(row.at(5), -1),
+        result.append(DefaultToleranceRange(sqlhelper::readStringSqlValue(row.at(0), QString()), toSignalId(row.at(1)),
+                                            toSignalId(row.at(2)), range, sqlhelper::readIntSqlValue(row.at(5), -1),
                                             sqlhelper::readIntSqlValue(row.at(6), -1)));
     }
     return result;
 }
 
-QList<ChamberTypeData> SqlConfigurationDatabaseConnection::parseChamberTypeDataRow(const QList<QVariant>& row,
-                                                                                   int expectedColumns,
-                                                                                   bool withSignals,
-                                                                                   unsigned long long additionalInfoId) const
+QList<ChamberTypeData>
+SqlConfigurationDatabaseConnection::parseChamberTypeDataRow(const QList<QVariant>& row, int expectedColumns,
+                                                            bool withSignals, unsigned long long additionalInfoId) const
 {
     if (row.size() != expectedColumns) {
         reportUnexpectedRow("parseChamberTypeDataRow", row.size(), expectedColumns);
@@ -869,10 +858,9 @@ QList<ChamberTypeData> SqlConfigurationDatabaseConnection::parseChamberTypeDataR
         additionalInfoId == 0 ? getAdditionalInfoIds(typeId) : QList<quint64>{additionalInfoId};
 
     const auto makeVariant = [&](quint64 variantId, const QString& articleNumber, const QString& info) {
-        return ChamberTypeData(ChamberTypeId(typeId, variantId), text(1), text(2), number(3), text(4), text(5),
-                               text(6), text(7), text(8), text(9), number(10), number(11), text(12), articleNumber,
-                               info, controller, protocols, chamberSignals, controlSignals, options,
-                               QList<ChamberOption>());
+        return ChamberTypeData(ChamberTypeId(typeId, variantId), text(1), text(2), number(3), text(4), text(5), text(6),
+                               text(7), text(8), text(9), number(10), number(11), text(12), articleNumber, info,
+                               controller, protocols, chamberSignals, controlSignals, options, QList<ChamberOption>());
     };
 
     QList<ChamberTypeData> result;
@@ -929,18 +917,17 @@ ChamberSignal SqlConfigurationDatabaseConnection::parseChamberSignalTableRow(con
     QColor color;
     color.setNamedColor(colorText);
 
-    return ChamberSignal(
-        id, sqlhelper::readStringSqlValue(row.at(SIGNAL_NAME), QString()),
-        Unit::toUnitId(sqlhelper::readStringSqlValue(row.at(SIGNAL_UNIT), QString())), color, decimalPlaces,
-        userLevel.value<UserLevel>(),
-        sqlhelper::readFloatSqlValue(row.at(SIGNAL_LIMIT_MIN), std::numeric_limits<float>::lowest()),
-        sqlhelper::readFloatSqlValue(row.at(SIGNAL_LIMIT_MAX), std::numeric_limits<float>::max()),
-        sqlhelper::readIntSqlValue(row.at(SIGNAL_BITPOSITION), -1),
-        DC::signalTypeMap.value(sqlhelper::readStringSqlValue(row.at(SIGNAL_SIGNAL_TYPE), QString()),
-                                ChamberSignal::SignalType(0)),
-        setPointSignal, sqlhelper::readBoolSqlValue(row.at(SIGNAL_TIME_PROGRAMMABLE), false),
-        sqlhelper::readBoolSqlValue(row.at(SIGNAL_WEEK_PROGRAMMABLE), false), addressAt(SIGNAL_READ),
-        addressAt(SIGNAL_WRITE_BASIC), addressAt(SIGNAL_WRITE_MANUAL), addressAt(SIGNAL_WRITE_AUTO));
+    return ChamberSignal(id, sqlhelper::readStringSqlValue(row.at(SIGNAL_NAME), QString()),
+                         Unit::toUnitId(sqlhelper::readStringSqlValue(row.at(SIGNAL_UNIT), QString())), color,
+                         decimalPlaces, userLevel.value<UserLevel>(),
+                         sqlhelper::readFloatSqlValue(row.at(SIGNAL_LIMIT_MIN), std::numeric_limits<float>::lowest()),
+                         sqlhelper::readFloatSqlValue(row.at(SIGNAL_LIMIT_MAX), std::numeric_limits<float>::max()),
+                         sqlhelper::readIntSqlValue(row.at(SIGNAL_BITPOSITION), -1),
+                         DC::signalTypeMap.value(sqlhelper::readStringSqlValue(row.at(SIGNAL_SIGNAL_TYPE), QString()),
+                                                 ChamberSignal::SignalType(0)),
+                         setPointSignal, sqlhelper::readBoolSqlValue(row.at(SIGNAL_TIME_PROGRAMMABLE), false),
+                         sqlhelper::readBoolSqlValue(row.at(SIGNAL_WEEK_PROGRAMMABLE), false), addressAt(SIGNAL_READ),
+                         addressAt(SIGNAL_WRITE_BASIC), addressAt(SIGNAL_WRITE_MANUAL), addressAt(SIGNAL_WRITE_AUTO));
 }
 
 bool SqlConfigurationDatabaseConnection::checkDependencies(const char* operation) const

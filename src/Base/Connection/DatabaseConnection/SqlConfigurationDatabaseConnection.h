@@ -123,13 +123,12 @@ protected:
     virtual QList<zelmor::domain::types::DefaultToleranceRange>
     getDefaultToleranceRanges(const zelmor::domain::types::ChamberTypeId& id) const;
     virtual QList<zelmor::domain::types::DefaultToleranceRange> getDefaultToleranceRanges(const SqlQuery& query,
-                                                                                       int expectedColumns) const;
+                                                                                          int expectedColumns) const;
     // One entry per orderable variant of the row's type; additionalInfoId 0
     // means all variants the catalogue lists.
-    virtual QList<zelmor::domain::types::ChamberTypeData> parseChamberTypeDataRow(const QList<QVariant>& row,
-                                                                                  int expectedColumns,
-                                                                                  bool withSignals,
-                                                                                  unsigned long long additionalInfoId) const;
+    virtual QList<zelmor::domain::types::ChamberTypeData>
+    parseChamberTypeDataRow(const QList<QVariant>& row, int expectedColumns, bool withSignals,
+                            unsigned long long additionalInfoId) const;
     // The empty signal when the row has the wrong width. Follows the set point
     // link, so a chain of links is read in full.
     virtual zelmor::domain::types::ChamberSignal parseChamberSignalTableRow(const QList<QVariant>& row,

@@ -251,8 +251,8 @@ SqlQuery& SqlQuery::vacuum()
 
 SqlQuery& SqlQuery::attachDatabase(const QString& path, const QString& name)
 {
-    preparedQueryString += QStringLiteral("ATTACH DATABASE '") + path + QStringLiteral("' as ") + name
-        + QLatin1Char(';');
+    preparedQueryString +=
+        QStringLiteral("ATTACH DATABASE '") + path + QStringLiteral("' as ") + name + QLatin1Char(';');
     return *this;
 }
 
@@ -454,8 +454,8 @@ SqlQuery& SqlQuery::notLike(const QString& pattern)
 
 SqlQuery& SqlQuery::inList(const QList<QVariant>& values)
 {
-    preparedQueryString += QStringLiteral(" IN (") + placeholders(values.size(), QStringLiteral(", "))
-        + QLatin1Char(')');
+    preparedQueryString +=
+        QStringLiteral(" IN (") + placeholders(values.size(), QStringLiteral(", ")) + QLatin1Char(')');
     bindValues.append(values);
     return *this;
 }
@@ -541,8 +541,7 @@ SqlQuery& SqlQuery::limitTo(int count)
     return *this;
 }
 
-SqlQuery& SqlQuery::appendJoins(const QString& keyword, const QList<TableColumnPairMatch>& matches,
-                                const QString& name)
+SqlQuery& SqlQuery::appendJoins(const QString& keyword, const QList<TableColumnPairMatch>& matches, const QString& name)
 {
     for (const TableColumnPairMatch& match : matches) {
         preparedQueryString += keyword;
@@ -550,7 +549,7 @@ SqlQuery& SqlQuery::appendJoins(const QString& keyword, const QList<TableColumnP
             preparedQueryString += name + QLatin1Char(' ');
         }
         preparedQueryString += match.second.table + QStringLiteral(" ON ") + qualifiedName(match.first)
-            + QStringLiteral(" = ") + qualifiedName(match.second);
+                               + QStringLiteral(" = ") + qualifiedName(match.second);
     }
     return *this;
 }
@@ -582,14 +581,13 @@ SqlQuery& SqlQuery::createTable(const QString& table, const QList<ColumnConfigur
     const bool hasCompositeKey = keys.size() > 1;
     // One arg() after the other, as the stored schemas were made: a "%<digit>"
     // inside a name is filled by a later step.
-    preparedQueryString += QStringLiteral(" CREATE TABLE IF NOT EXISTS %1 (%2%3%4%5)")
-                               .arg(table)
-                               .arg(convertColumnConfigurationsToStrings(columns, hasCompositeKey)
-                                        .join(QStringLiteral(", ")))
-                               .arg(foreignKeys.isEmpty() ? QString() : QStringLiteral(", "))
-                               .arg(convertForeignKeyConfigurationsToStrings(foreignKeys)
-                                        .join(QStringLiteral(", ")))
-                               .arg(hasCompositeKey ? formPrimaryKeyAttribute(keys) : QString());
+    preparedQueryString +=
+        QStringLiteral(" CREATE TABLE IF NOT EXISTS %1 (%2%3%4%5)")
+            .arg(table)
+            .arg(convertColumnConfigurationsToStrings(columns, hasCompositeKey).join(QStringLiteral(", ")))
+            .arg(foreignKeys.isEmpty() ? QString() : QStringLiteral(", "))
+            .arg(convertForeignKeyConfigurationsToStrings(foreignKeys).join(QStringLiteral(", ")))
+            .arg(hasCompositeKey ? formPrimaryKeyAttribute(keys) : QString());
     return *this;
 }
 
@@ -637,12 +635,10 @@ QStringList SqlQuery::convertForeignKeyConfigurationsToStrings(const QList<Forei
     definitions.reserve(keys.size());
     for (const ForeignKeyConfiguration& key : keys) {
         // NO ACTION is the engine's default and never spelled out.
-        const QString onUpdate = key.onUpdate == NO_ACTION
-            ? QString()
-            : QStringLiteral(" ON UPDATE ") + lookupActionName(key.onUpdate);
-        const QString onDelete = key.onDelete == NO_ACTION
-            ? QString()
-            : QStringLiteral(" ON DELETE ") + lookupActionName(key.onDelete);
+        const QString onUpdate =
+            key.onUpdate == NO_ACTION ? QString() : QStringLiteral(" ON UPDATE ") + lookupActionName(key.onUpdate);
+        const QString onDelete =
+            key.onDelete == NO_ACTION ? QString() : QStringLiteral(" ON DELETE ") + lookupActionName(key.onDelete);
         definitions.append(QStringLiteral("FOREIGN KEY (%1) REFERENCES %2 (%3)%4%5")
                                .arg(key.column)
                                .arg(key.referenceTable)

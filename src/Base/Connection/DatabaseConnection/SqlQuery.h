@@ -44,46 +44,35 @@ public:
         AUTO_INCREMENT = 128 // SQLite numbers an INTEGER PRIMARY KEY by itself
     };
 
-    enum Action : int {
-        NO_ACTION = 0,
-        RESTRICT = 1,
-        SET_NULL = 2,
-        SET_DEFAULT = 3,
-        CASCADE = 4
-    };
+    enum Action : int { NO_ACTION = 0, RESTRICT = 1, SET_NULL = 2, SET_DEFAULT = 3, CASCADE = 4 };
 
-    enum Order : int {
-        ASC = 0,
-        DESC = 1
-    };
+    enum Order : int { ASC = 0, DESC = 1 };
 
-    enum CountType : int {
-        ALL = 0,
-        DISTINCT = 1
-    };
+    enum CountType : int { ALL = 0, DISTINCT = 1 };
 
-    friend constexpr ColumnFlag operator|(ColumnFlag a, ColumnFlag b)
+    friend constexpr ColumnFlag operator|(ColumnFlag a, ColumnFlag b) { return ColumnFlag(quint32(a) | quint32(b)); }
+
+    struct TableColumnPair
     {
-        return ColumnFlag(quint32(a) | quint32(b));
-    }
-
-    struct TableColumnPair {
         QString table;
         QString column;
     };
 
     // A join condition: first.table.first.column = second.table.second.column.
-    struct TableColumnPairMatch {
+    struct TableColumnPairMatch
+    {
         TableColumnPair first;
         TableColumnPair second;
     };
 
-    struct ColumnValuePair {
+    struct ColumnValuePair
+    {
         QString column;
         QVariant value;
     };
 
-    struct ColumnConfiguration {
+    struct ColumnConfiguration
+    {
         ColumnConfiguration() = default;
         ColumnConfiguration(const QString& name, DataType dataType, ColumnFlag flags = NO_FLAG);
 
@@ -92,11 +81,11 @@ public:
         ColumnFlag flags = NO_FLAG;
     };
 
-    struct ForeignKeyConfiguration {
+    struct ForeignKeyConfiguration
+    {
         ForeignKeyConfiguration() = default;
-        ForeignKeyConfiguration(const QString& column, const QString& referenceTable,
-                                const QString& referenceColumn, Action onUpdate = NO_ACTION,
-                                Action onDelete = NO_ACTION);
+        ForeignKeyConfiguration(const QString& column, const QString& referenceTable, const QString& referenceColumn,
+                                Action onUpdate = NO_ACTION, Action onDelete = NO_ACTION);
 
         QString column;
         QString referenceTable;
@@ -205,8 +194,7 @@ public:
 private:
     SqlQuery& appendKeywordColumn(const QString& keyword, const QString& column);
     SqlQuery& appendSubQuery(const QString& head, const zelmor::domain::api::ISqlQuery& query);
-    SqlQuery& appendJoins(const QString& keyword, const QList<TableColumnPairMatch>& matches,
-                          const QString& name);
+    SqlQuery& appendJoins(const QString& keyword, const QList<TableColumnPairMatch>& matches, const QString& name);
 
     QString preparedQueryString;
     QList<QVariant> bindValues;

@@ -349,8 +349,8 @@ bool SqliteConnection::deactivateForeignKeys()
 
 bool SqliteConnection::changeForeignKeyActivation(bool on)
 {
-    QSqlQueryWrapper query(QStringLiteral("PRAGMA foreign_keys = %1").arg(on ? QLatin1String("ON") : QLatin1String("OFF")),
-                           getDatabase());
+    QSqlQueryWrapper query(
+        QStringLiteral("PRAGMA foreign_keys = %1").arg(on ? QLatin1String("ON") : QLatin1String("OFF")), getDatabase());
     if (!query.exec()) {
         qCCritical(SQLITECONNECTION) << query.lastError();
         return false;

@@ -72,10 +72,19 @@ const QString userStatement = QStringLiteral(
     "first_name TEXT, last_name TEXT)");
 
 // In the order of initialize, each table after those it references.
-const QStringList applicationTables = {
-    "chamber", "global_settings", "application_user", "recording", "meta_recording_has_recording", "log_entry",
-    "record_set", "record_set_comment", "tolerance_range", "room", "room_chamber_position",
-    "user_has_chamber_signal_visibility_preference", "user_preferences"};
+const QStringList applicationTables = {"chamber",
+                                       "global_settings",
+                                       "application_user",
+                                       "recording",
+                                       "meta_recording_has_recording",
+                                       "log_entry",
+                                       "record_set",
+                                       "record_set_comment",
+                                       "tolerance_range",
+                                       "room",
+                                       "room_chamber_position",
+                                       "user_has_chamber_signal_visibility_preference",
+                                       "user_preferences"};
 
 // What the engine keeps in sqlite_master of each statement: "name: CREATE TABLE name (...)".
 QStringList storedTables(const QStringList& statements)
@@ -100,7 +109,8 @@ QStringList tableNames(const QStringList& statements)
 QStringList tablesOf(const QString& path)
 {
     const TestDatabase::ShellResult result = TestDatabase::runSqlcipher(
-        path, projectKey, QStringLiteral("SELECT name || ': ' || sql FROM sqlite_master WHERE type = 'table' ORDER BY rowid;"));
+        path, projectKey,
+        QStringLiteral("SELECT name || ': ' || sql FROM sqlite_master WHERE type = 'table' ORDER BY rowid;"));
     if (!result.ok)
         return {QStringLiteral("<failed: %1>").arg(result.errorOutput)};
     return result.output.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
@@ -162,8 +172,8 @@ struct Setup
         static int count = 0;
         ++count;
         applicationPath = files.createEncrypted(QStringLiteral("application%1.db").arg(count), applicationSql);
-        const QString catalogue = zelmor::testsupport::createCatalogue(
-            files, QStringLiteral("configuration%1.db").arg(count), catalogueRows);
+        const QString catalogue =
+            zelmor::testsupport::createCatalogue(files, QStringLiteral("configuration%1.db").arg(count), catalogueRows);
         ok = !applicationPath.isEmpty() && !catalogue.isEmpty()
              && application.openDatabase(applicationPath, QString(), QString(), projectKey)
              && configuration.openDatabase(catalogue, QString(), QString(), projectKey)
@@ -222,17 +232,27 @@ void TestDatabaseConnection::lookups_data()
     QTest::addColumn<QString>("name");
 
     // Names that no creation statement or catalogue read below shows, and the text maps.
-    const auto row = [](const char* tag, Name lookup, const char* name) { QTest::newRow(tag) << lookup << QString(name); };
-    row("Recording 16384, spelled so", [] { return DC::lookupRecordingColumnName(RecordingProperty(16384)); },
+    const auto row = [](const char* tag, Name lookup, const char* name) {
+        QTest::newRow(tag) << lookup << QString(name);
+    };
+    row(
+        "Recording 16384, spelled so", [] { return DC::lookupRecordingColumnName(RecordingProperty(16384)); },
         "is_start_reconding_allowed");
-    row("Chamber 18, not created", [] { return DC::lookupChamberColumnName(ChamberProperty(18)); }, "converter_id");
-    row("signal type set_point", [] { return QString::number(DC::signalTypeMap.value("set_point")); }, "1");
-    row("signal type unknown", [] { return QString::number(DC::signalTypeMap.value("SET_POINT")); }, "0");
-    row("access WO", [] { return QString::number(DC::accessMap.value("WO")); }, "1");
-    row("variable INT16", [] { return QString::number(DC::variableTypeMap.value("INT16")); }, "33");
-    row("variable with array size", [] { return QString::number(DC::variableTypeMap.value("UINT16[4]")); }, "0");
+    row(
+        "Chamber 18, not created", [] { return DC::lookupChamberColumnName(ChamberProperty(18)); }, "converter_id");
+    row(
+        "signal type set_point", [] { return QString::number(DC::signalTypeMap.value("set_point")); }, "1");
+    row(
+        "signal type unknown", [] { return QString::number(DC::signalTypeMap.value("SET_POINT")); }, "0");
+    row(
+        "access WO", [] { return QString::number(DC::accessMap.value("WO")); }, "1");
+    row(
+        "variable INT16", [] { return QString::number(DC::variableTypeMap.value("INT16")); }, "33");
+    row(
+        "variable with array size", [] { return QString::number(DC::variableTypeMap.value("UINT16[4]")); }, "0");
     // Nothing in this program registers the type but the map's filling.
-    row("variable INT10", [] { return QString(QMetaType::typeName(DC::variableTypeMap.value("INT10"))); },
+    row(
+        "variable INT10", [] { return QString(QMetaType::typeName(DC::variableTypeMap.value("INT10"))); },
         "zelmor::domain::types::Int10");
 }
 
@@ -300,8 +320,8 @@ void TestDatabaseConnection::initialize_data()
     QTest::newRow("19") << versionTable(19) << "" << true << false << QList<int>() << applicationTables;
     QTest::newRow("20") << versionTable(20) << "" << true << false << QList<int>() << applicationTables;
     // An existing table stays as it is, whatever its columns.
-    QTest::newRow("19 with a chamber table of its own")
-        << versionTable(19) + "CREATE TABLE chamber(x TEXT);" << "" << true << false << QList<int>() << withoutChamber;
+    QTest::newRow("19 with a chamber table of its own") << versionTable(19) + "CREATE TABLE chamber(x TEXT);"
+                                                        << "" << true << false << QList<int>() << withoutChamber;
     // The application tables are made all the same, then the catalogue store refuses.
     QTest::newRow("catalogue without its signal table")
         << versionTable(19) << "DROP TABLE signal;" << false << false << QList<int>{4} << applicationTables;
@@ -330,7 +350,9 @@ void TestDatabaseConnection::initialize()
         return;
 
     // A second run changes nothing, the rows included.
-    const auto dump = [&setup] { return TestDatabase::runSqlcipher(setup.applicationPath, projectKey, ".dump").output; };
+    const auto dump = [&setup] {
+        return TestDatabase::runSqlcipher(setup.applicationPath, projectKey, ".dump").output;
+    };
     const TestDatabase::ShellResult filled = TestDatabase::runSqlcipher(
         setup.applicationPath, projectKey, QStringLiteral("INSERT INTO room (id, room_name) VALUES (2, 'Lab');"));
     QVERIFY2(filled.ok, qPrintable(filled.errorOutput));
@@ -347,8 +369,9 @@ void TestDatabaseConnection::initializeStopsAtFailedTable()
 {
     // An index of the name "application_user": the third table of the list
     // needs it through "recording", and nothing after it is tried.
-    Setup setup(files, versionTable(19)
-                           + QStringLiteral("CREATE TABLE other(a INTEGER); CREATE INDEX application_user ON other(a);"));
+    Setup setup(files,
+                versionTable(19)
+                    + QStringLiteral("CREATE TABLE other(a INTEGER); CREATE INDEX application_user ON other(a);"));
     QVERIFY(setup.ok);
     QSignalSpy errors(&setup.facade, &DatabaseConnection::error);
 
@@ -410,7 +433,8 @@ void TestDatabaseConnection::catalogueThroughTheFacade()
     QVERIFY(setup.facade.areDependenciesSet());
     const QList<ChamberTypeData> types = setup.facade.getAllChamberTypeData(false);
     QCOMPARE(types.size(), 1);
-    QCOMPARE(types.at(0).getQualifiedTypeName() + QLatin1Char(' ') + types.at(0).controller, QStringLiteral("HX 60 Z6 TLX"));
+    QCOMPARE(types.at(0).getQualifiedTypeName() + QLatin1Char(' ') + types.at(0).controller,
+             QStringLiteral("HX 60 Z6 TLX"));
     QCOMPARE(setup.facade.getChamberSignals(ChamberTypeId(5, 0)).value(7).name, QStringLiteral("Temperature"));
     QCOMPARE(setup.facade.getSignalUnitId(7), Unit::RELATIVE_HUMIDITY_RF);
     QCOMPARE(setup.application.executed, QStringList());

@@ -29,7 +29,6 @@ using Store = SqlConfigurationDatabaseConnection;
 using Address = QSharedPointer<ControllerAddress>;
 using Ids = QList<int>;
 
-
 namespace {
 
 // The store with its protected reads in reach.
@@ -68,21 +67,36 @@ QString summary(const ChamberSignal& s)
 {
     const auto idOf = [](const Address& a) { return a ? QString::number(a->id) : QStringLiteral("-"); };
     return QStringLiteral("%1 %2, unit %3, %4, %5 places, level %6, [%7, %8], bit %9")
-               .arg(s.id).arg(s.name).arg(s.unit).arg(s.color.isValid() ? s.color.name() : QStringLiteral("-"))
-               .arg(s.decimalPlaces).arg(int(s.userLevel)).arg(s.limitMin).arg(s.limitMax).arg(s.bitPosition)
-        + QStringLiteral(", type %1, time %2 week %3, set point %4, registers %5 %6 %7 %8")
-              .arg(s.signalType).arg(s.timeProgrammable).arg(s.weekProgrammable)
-              .arg(s.setPointSignal ? QString::number(s.setPointSignal->id) : QStringLiteral("-"))
-              .arg(idOf(s.read), idOf(s.writeBasic), idOf(s.writeManual), idOf(s.writeAuto));
+               .arg(s.id)
+               .arg(s.name)
+               .arg(s.unit)
+               .arg(s.color.isValid() ? s.color.name() : QStringLiteral("-"))
+               .arg(s.decimalPlaces)
+               .arg(int(s.userLevel))
+               .arg(s.limitMin)
+               .arg(s.limitMax)
+               .arg(s.bitPosition)
+           + QStringLiteral(", type %1, time %2 week %3, set point %4, registers %5 %6 %7 %8")
+                 .arg(s.signalType)
+                 .arg(s.timeProgrammable)
+                 .arg(s.weekProgrammable)
+                 .arg(s.setPointSignal ? QString::number(s.setPointSignal->id) : QStringLiteral("-"))
+                 .arg(idOf(s.read), idOf(s.writeBasic), idOf(s.writeManual), idOf(s.writeAuto));
 }
 
 // A range's fields in one line: "name set point/process value, type [lower unit, upper unit], delays".
 QString summary(const DefaultToleranceRange& r)
 {
     return QStringLiteral("%1 %2/%3, %4 [%5 %6, %7 %8], %9")
-        .arg(r.name).arg(int(r.setPointSignal)).arg(int(r.processValueSignal)).arg(r.range.type)
-        .arg(r.range.lower.value.toString()).arg(r.range.lower.unit).arg(r.range.upper.value.toString())
-        .arg(r.range.upper.unit).arg(QStringLiteral("%1 %2").arg(r.delay1).arg(r.delay2));
+        .arg(r.name)
+        .arg(int(r.setPointSignal))
+        .arg(int(r.processValueSignal))
+        .arg(r.range.type)
+        .arg(r.range.lower.value.toString())
+        .arg(r.range.lower.unit)
+        .arg(r.range.upper.value.toString())
+        .arg(r.range.upper.unit)
+        .arg(QStringLiteral("%1 %2").arg(r.delay1).arg(r.delay2));
 }
 
 QString ids(const Ids& values)
@@ -117,7 +131,8 @@ QString summary(const ChamberTypeData& type)
         protocols.append(QString::number(protocol));
     protocols.sort();
     return QStringLiteral("%1/%2 %3, %4, %5, %6, %7")
-        .arg(type.chamberTypeId.typeId).arg(type.chamberTypeId.additionalInfoId)
+        .arg(type.chamberTypeId.typeId)
+        .arg(type.chamberTypeId.additionalInfoId)
         .arg(type.getQualifiedTypeName(), type.controller, type.articleNumber, type.info, protocols.join(' '));
 }
 
@@ -166,7 +181,6 @@ private slots:
     void reads_data();
     void reads();
     void wholeChamberType();
-
 
 private:
     // A purpose-built catalogue: the shipped schema with the given rows.
@@ -235,17 +249,20 @@ void TestSqlConfigurationDatabaseConnection::wholeChamberType()
     QCOMPARE(errors.count(), 0);
 
     const ChamberTypeData options = sample->store.getChamberTypeData(ChamberTypeId(30, 0), false);
-    QCOMPARE(options.options, QList<ChamberOption>({{"Bedewing_Protection", false}, {"Program_Progressbar", false},
-                                                    {"TimeProgram", true}, {"OperatingModeSwitching", true},
+    QCOMPARE(options.options, QList<ChamberOption>({{"Bedewing_Protection", false},
+                                                    {"Program_Progressbar", false},
+                                                    {"TimeProgram", true},
+                                                    {"OperatingModeSwitching", true},
                                                     {"Readable_DataStorage", true}}));
     QVERIFY(options.furtherOptions.isEmpty());
 
     // A NULL register id gives the placeholder address.
     const ControlSignal control = sample->store.getChamberTypeData(ChamberTypeId(1, 0), true).controlSignals.value(12);
-    QVERIFY(control == ControlSignal(12, "Ctrl_Prog_Time_Remaining", -1, BASIC,
-                                     ControllerAddress(1052, "11700002", ControllerAddress::READ_ONLY, QMetaType::UInt,
-                                                       1, -1, "Program time remaining"),
-                                     ControllerAddress::placeholder()));
+    QVERIFY(control
+            == ControlSignal(12, "Ctrl_Prog_Time_Remaining", -1, BASIC,
+                             ControllerAddress(1052, "11700002", ControllerAddress::READ_ONLY, QMetaType::UInt, 1, -1,
+                                               "Program time remaining"),
+                             ControllerAddress::placeholder()));
 }
 
 void TestSqlConfigurationDatabaseConnection::reads_data()
@@ -253,7 +270,7 @@ void TestSqlConfigurationDatabaseConnection::reads_data()
     QTest::addColumn<Read>("read");
     QTest::addColumn<QString>("expected");
     QTest::addColumn<Ids>("codes");
-    QTest::addColumn<QString>("rows"); // a purpose-built catalogue's rows; empty: the shipped sample
+    QTest::addColumn<QString>("rows");   // a purpose-built catalogue's rows; empty: the shipped sample
     QTest::addColumn<QString>("marker"); // rows of statements with this text come a column short
     const auto row = [](const char* tag, const Read& read, const QString& expected, const Ids& codes = {},
                         const QString& rows = QString(), const QString& marker = QString()) {
@@ -262,11 +279,13 @@ void TestSqlConfigurationDatabaseConnection::reads_data()
     const Ids unexpected{UNEXPECTED_RESULT};
 
     // One entry per orderable variant: type 2 twice, types without variants with 0.
-    row("all types", [](OpenStore& s) { return variantsOf(s.getAllChamberTypeData(false)); },
+    row(
+        "all types", [](OpenStore& s) { return variantsOf(s.getAllChamberTypeData(false)); },
         "1/1001 2/1002 2/1003 3/1004 9/1009 11/0 12/1012 30/1030 31/0 32/0 40/1040 41/0 50/1050 60/0 61/0 62/0 63/0 "
         "70/1070 80/0 90/0 247/1247");
     // Every type with a time-programmable signal, type 9 included although its options offer week programs only.
-    row("programmable types", [](OpenStore& s) { return variantsOf(s.getAllProgrammableChamberTypeData()); },
+    row(
+        "programmable types", [](OpenStore& s) { return variantsOf(s.getAllProgrammableChamberTypeData()); },
         "1/1001 2/1002 2/1003 3/1004 9/1009 12/1012 30/1030 31/0 32/0 40/1040 41/0 50/1050 70/1070 80/0 247/1247");
     const auto type = [](quint64 id, quint64 variant) {
         return Read([=](OpenStore& s) { return summary(s.getChamberTypeData(ChamberTypeId(id, variant), false)); });
@@ -293,35 +312,50 @@ void TestSqlConfigurationDatabaseConnection::reads_data()
     row("process value linked to its set point", signal(101),
         "101 PV_Temperature, unit 0, #ff0000, 1 places, level 1, [-75, 180], bit -1, type 0, time 0 week 0, "
         "set point 111, registers 1001 - - -");
-    row("the linked set point whole", [](OpenStore& s) {
-        const auto found = s.getChamberSignal(101);
-        return found && found->setPointSignal ? summary(*found->setPointSignal) : QString();
-    }, setPoint);
+    row(
+        "the linked set point whole",
+        [](OpenStore& s) {
+            const auto found = s.getChamberSignal(101);
+            return found && found->setPointSignal ? summary(*found->setPointSignal) : QString();
+        },
+        setPoint);
     row("NULLs and an array register", signal(144),
         "144 PV_Error_History, unit 15, -, 0 places, level 5, [-3.40282e+38, 3.40282e+38], bit -1, type 3, "
         "time 0 week 0, set point -, registers 1044 - - -");
     row("unknown signal", signal(4711), "", unexpected);
 
-    row("signals of a type", [](OpenStore& s) { return ids(s.getChamberSignals(ChamberTypeId(70, 0)).keys()); },
+    row(
+        "signals of a type", [](OpenStore& s) { return ids(s.getChamberSignals(ChamberTypeId(70, 0)).keys()); },
         "701 702 703 711 712 721 722");
-    row("signals by id, unknown ones left out",
-        [](OpenStore& s) { return ids(s.getChamberSignals(QList<SignalId>{131, 4711, 101}).keys()); }, "101 131");
-    row("set points of TLX type 1, not the combined 121",
+    row(
+        "signals by id, unknown ones left out",
+        [](OpenStore& s) {
+            return ids(s.getChamberSignals(QList<SignalId>{131, 4711, 101}).keys());
+        },
+        "101 131");
+    row(
+        "set points of TLX type 1, not the combined 121",
         [](OpenStore& s) { return ids(s.getSetpointChamberSignals(ChamberTypeId(1, 0)).keys()); }, "111 112 134");
-    row("data logger in channel order, not in signal order", [](OpenStore& s) {
-        Ids found;
-        for (const ChamberSignal& signal : s.getDataloggerChamberSignal(ChamberTypeId(70, 0)))
-            found.append(signal.id);
-        return ids(found);
-    }, "702 701 703");
+    row(
+        "data logger in channel order, not in signal order",
+        [](OpenStore& s) {
+            Ids found;
+            for (const ChamberSignal& signal : s.getDataloggerChamberSignal(ChamberTypeId(70, 0)))
+                found.append(signal.id);
+            return ids(found);
+        },
+        "702 701 703");
     // By the set point number of the manual write register (1, 2, 3); 314 has none and is left out.
     // Each signal is followed by the process value of its set point's default range.
-    row("time-programmable with their ranges", [](OpenStore& s) {
-        Ids found;
-        for (const auto& pair : s.getTimeProgrammableChamberSignals(ChamberTypeId(247, 0)))
-            found << pair.first.id << pair.second.processValueSignal;
-        return ids(found);
-    }, "311 301 312 302 310 -1");
+    row(
+        "time-programmable with their ranges",
+        [](OpenStore& s) {
+            Ids found;
+            for (const auto& pair : s.getTimeProgrammableChamberSignals(ChamberTypeId(247, 0)))
+                found << pair.first.id << pair.second.processValueSignal;
+            return ids(found);
+        },
+        "311 301 312 302 310 -1");
 
     // Default ranges; type 2 is relative, units 0 Celsius, 6 volume percent, 7 hectopascal.
     const auto range = [](quint64 id, SignalId signal, bool isSetPoint) {
@@ -336,31 +370,48 @@ void TestSqlConfigurationDatabaseConnection::reads_data()
     row("range with NULL bounds and delays", range(247, 314, true), "Pressure 314/304, 2 [0 7, 0 7], -1 -1");
 
     // "delay2" is kept in minutes, "delay1" in seconds; NULL and another type's signal give 0.
-    row("delays", [](OpenStore& s) {
-        return ids({s.getChamberSignalDelay(ChamberTypeId(70, 0), 701, true),
-                    s.getChamberSignalDelay(ChamberTypeId(1, 0), 101, false),
-                    s.getChamberSignalDelay(ChamberTypeId(1, 0), 121, false),
-                    s.getChamberSignalDelay(ChamberTypeId(2, 0), 121, true)});
-    }, "120 300 0 0");
+    row(
+        "delays",
+        [](OpenStore& s) {
+            return ids({s.getChamberSignalDelay(ChamberTypeId(70, 0), 701, true),
+                        s.getChamberSignalDelay(ChamberTypeId(1, 0), 101, false),
+                        s.getChamberSignalDelay(ChamberTypeId(1, 0), 121, false),
+                        s.getChamberSignalDelay(ChamberTypeId(2, 0), 121, true)});
+        },
+        "120 300 0 0");
     // Fahrenheit, and NULL as dimensionless.
-    row("units", [](OpenStore& s) { return ids({s.getSignalUnitId(104), s.getSignalUnitId(142)}); }, "1 15");
-    row("test signals", [](OpenStore& s) {
-        return ids({s.getChamberTypeTestSignalId(ChamberTypeId(50, 1050)),
-                    s.getChamberTypeTestSignalId(ChamberTypeId(90, 0))});
-    }, "503 -1");
+    row(
+        "units",
+        [](OpenStore& s) {
+            return ids({s.getSignalUnitId(104), s.getSignalUnitId(142)});
+        },
+        "1 15");
+    row(
+        "test signals",
+        [](OpenStore& s) {
+            return ids({s.getChamberTypeTestSignalId(ChamberTypeId(50, 1050)),
+                        s.getChamberTypeTestSignalId(ChamberTypeId(90, 0))});
+        },
+        "503 -1");
 
     // Source type 11: 104, 114 temperature (value type 1), 131, 133 digital (5); destination type 41:
     // 401, 411 temperature, 421 counter (8), 422, 423 digital. The values are whole signals, registers included.
-    row("matching signals", [](OpenStore& s) {
-        const QMap<SignalId, ChamberSignal> matches = s.getMatchingSignals(ChamberTypeId(11, 0), ChamberTypeId(41, 0));
-        QStringList found;
-        for (auto it = matches.cbegin(); it != matches.cend(); ++it) {
-            found << QString::number(it.key())
-                         + (Ids{104, 114}.contains(it->id) ? "T" : Ids{131, 133}.contains(it->id) ? "D" : "?");
-        }
-        const ChamberSignal& first = matches.value(401);
-        return found.join(' ') + QStringLiteral(", unit %1 read %2").arg(first.unit).arg(bool(first.read));
-    }, "401T 411T 422D 423D, unit 1 read 1");
+    row(
+        "matching signals",
+        [](OpenStore& s) {
+            const QMap<SignalId, ChamberSignal> matches =
+                s.getMatchingSignals(ChamberTypeId(11, 0), ChamberTypeId(41, 0));
+            QStringList found;
+            for (auto it = matches.cbegin(); it != matches.cend(); ++it) {
+                found << QString::number(it.key())
+                             + (Ids{104, 114}.contains(it->id)   ? "T"
+                                : Ids{131, 133}.contains(it->id) ? "D"
+                                                                 : "?");
+            }
+            const ChamberSignal& first = matches.value(401);
+            return found.join(' ') + QStringLiteral(", unit %1 read %2").arg(first.unit).arg(bool(first.read));
+        },
+        "401T 411T 422D 423D, unit 1 read 1");
 
     // Purpose-built catalogues, one per edge.
     // A few required tables missing in turn; the other tables are not looked for.
@@ -372,28 +423,34 @@ void TestSqlConfigurationDatabaseConnection::reads_data()
 
     // 1 names itself; 2 links 3, which names itself; 4 links a signal that isn't there: reported and
     // left out, the signal stays. "name>set point>its set point" of each.
-    row("set point links", [](OpenStore& s) {
-        QStringList links;
-        for (const ChamberSignal& signal : s.getChamberSignals(QList<SignalId>{1, 2, 5, 4})) {
-            links << signal.name;
-            auto link = signal.setPointSignal;
-            for (int depth = 0; link && depth < 3; ++depth, link = link->setPointSignal)
-                links.last() += QLatin1Char('>') + link->name;
-        }
-        return links.join(' ');
-    }, "self chain>end dangling none", unexpected, R"(
+    row(
+        "set point links",
+        [](OpenStore& s) {
+            QStringList links;
+            for (const ChamberSignal& signal : s.getChamberSignals(QList<SignalId>{1, 2, 5, 4})) {
+                links << signal.name;
+                auto link = signal.setPointSignal;
+                for (int depth = 0; link && depth < 3; ++depth, link = link->setPointSignal)
+                    links.last() += QLatin1Char('>') + link->name;
+            }
+            return links.join(' ');
+        },
+        "self chain>end dangling none", unexpected, R"(
 INSERT INTO signal (id, name, set_point_signal) VALUES (1, 'self', 1), (2, 'chain', 3), (3, 'end', 3),
     (4, 'dangling', 99), (5, 'none', -1);
 )");
 
     // Type 1 has four time-programmable signals: 10 and 12 with manual write registers of set point
     // number 2 and 1, 11 with NULL, 13 with a register id that isn't there; 14 is not time-programmable.
-    row("NULL manual write register", [](OpenStore& s) {
-        QStringList found;
-        for (const auto& pair : s.getTimeProgrammableChamberSignals(ChamberTypeId(1, 0)))
-            found << pair.first.name + QLatin1Char(':') + summary(pair.second);
-        return found.join(' ');
-    }, "first:" + summary(DefaultToleranceRange()) + " second:" + summary(DefaultToleranceRange()), {}, R"(
+    row(
+        "NULL manual write register",
+        [](OpenStore& s) {
+            QStringList found;
+            for (const auto& pair : s.getTimeProgrammableChamberSignals(ChamberTypeId(1, 0)))
+                found << pair.first.name + QLatin1Char(':') + summary(pair.second);
+            return found.join(' ');
+        },
+        "first:" + summary(DefaultToleranceRange()) + " second:" + summary(DefaultToleranceRange()), {}, R"(
 INSERT INTO chamber_type_has_signal VALUES (1, 10), (1, 11), (1, 12), (1, 13), (1, 14), (2, 15);
 INSERT INTO controller_data (id, address, variable_type, access, set_point_nr) VALUES
     (100, '0100', 'FLOAT', 'RW', 2), (101, '0101', 'FLOAT', 'RW', 1), (102, '0102', 'FLOAT', 'RW', 0);
@@ -403,14 +460,17 @@ INSERT INTO signal (id, name, write_manual, time_programmable) VALUES
 )");
 
     // "type/array size" of each register; an unknown register is no failure, the signal just lacks it.
-    row("variable types", [](OpenStore& s) {
-        QStringList found;
-        for (int id : {3, 4, 6, 9, 4711}) {
-            const Address a = s.getControllerAddress(id);
-            found << (a ? QStringLiteral("%1/%2").arg(QMetaType::typeName(a->type)).arg(a->arraySize) : "-");
-        }
-        return found.join(' ');
-    }, "/1 /8 zelmor::domain::types::Int10/1 char/0 -", {}, R"(
+    row(
+        "variable types",
+        [](OpenStore& s) {
+            QStringList found;
+            for (int id : {3, 4, 6, 9, 4711}) {
+                const Address a = s.getControllerAddress(id);
+                found << (a ? QStringLiteral("%1/%2").arg(QMetaType::typeName(a->type)).arg(a->arraySize) : "-");
+            }
+            return found.join(' ');
+        },
+        "/1 /8 zelmor::domain::types::Int10/1 char/0 -", {}, R"(
 INSERT INTO controller_data (id, address, variable_type, access) VALUES
     (3, 'C', 'WORD', 'RO'), (4, 'D', 'WORD[8]', 'RO'), (6, 'F', 'INT10', 'RO'), (9, 'I', 'CHAR[]', 'RO');
 )");
@@ -421,9 +481,11 @@ INSERT INTO signal (id, name, unit) VALUES (1, 'SP', '°C'), (2, 'PV', '°C');
 INSERT INTO tolerance_range VALUES (1, 'first', 1, 2, 1.0, 2.0, 10, 1), (2, 'second', 1, 2, 3.0, 4.0, 20, 2);
 INSERT INTO chamber_type_has_tolerance_range VALUES (5, 1), (5, 2);
 )");
-    row("two ranges", [](OpenStore& s) { return summary(s.getDefaultToleranceRange(ChamberTypeId(5, 0), 1, true)); },
+    row(
+        "two ranges", [](OpenStore& s) { return summary(s.getDefaultToleranceRange(ChamberTypeId(5, 0), 1, true)); },
         "first 1/2, 2 [1 0, 2 0], 10 1", unexpected, twoRanges);
-    row("delay of two ranges",
+    row(
+        "delay of two ranges",
         [](OpenStore& s) { return QString::number(s.getChamberSignalDelay(ChamberTypeId(5, 0), 2, false)); }, "0", {},
         twoRanges);
 

@@ -48,8 +48,8 @@ void TestSqlHelper::read_data()
     QTest::addColumn<QVariant>("fallback");
     QTest::addColumn<QVariant>("expected");
 
-    const auto row = [](const char* name, const char* kind, const QVariant& value, bool valid,
-                        const QVariant& fallback, const QVariant& expected) {
+    const auto row = [](const char* name, const char* kind, const QVariant& value, bool valid, const QVariant& fallback,
+                        const QVariant& expected) {
         QTest::newRow(name) << QString(kind) << value << valid << fallback << expected;
     };
     const QVariant null;

@@ -32,8 +32,13 @@ const QString projectKey = QLatin1String(TestDatabase::projectKey_);
 const QString otherKey = QStringLiteral("ffeeddccbbaa99887766554433221100");
 
 // A statement written by hand: the connection knows only the interface.
-struct FixedStatement : ISqlQuery {
-    explicit FixedStatement(const QString& text, const QVariantList& values = {}) : text(text), values(values) {}
+struct FixedStatement : ISqlQuery
+{
+    explicit FixedStatement(const QString& text, const QVariantList& values = {})
+        : text(text)
+        , values(values)
+    {
+    }
     const QString& getPreparedQueryString() const override { return text; }
     const QList<QVariant>& getBindValues() const override { return values; }
     QString text;
@@ -147,7 +152,8 @@ void TestSqliteConnection::openDatabase_data()
     const QString encrypted = files->createEncrypted(QStringLiteral("e.db"), sql);
     // About 20 pages, cut short.
     QFile whole(files->createEncrypted(QStringLiteral("whole.db"),
-                                       sql + "WITH RECURSIVE c(x) AS (SELECT 3 UNION ALL SELECT x + 1 FROM c"
+                                       sql
+                                           + "WITH RECURSIVE c(x) AS (SELECT 3 UNION ALL SELECT x + 1 FROM c"
                                              " WHERE x < 2000) INSERT INTO t SELECT x FROM c;"));
     QVERIFY2(whole.open(QIODevice::ReadOnly) && whole.size() > 8 * 1024, qPrintable(files->lastError()));
     const QString cut = files->createFile(QStringLiteral("cut.db"), whole.readAll().left(int(whole.size() / 2)));
@@ -156,7 +162,8 @@ void TestSqliteConnection::openDatabase_data()
     // A wrong key shows only at the first statement that reads a page.
     QTest::newRow("encrypted, wrong key") << encrypted << otherKey << true << false;
     // A plain file must not pass for encrypted data.
-    QTest::newRow("plain sqlite3 file") << files->createPlain(QStringLiteral("p.db"), sql) << projectKey << true << false;
+    QTest::newRow("plain sqlite3 file") << files->createPlain(QStringLiteral("p.db"), sql) << projectKey << true
+                                        << false;
     QTest::newRow("text file") << files->createFile("x.db", QByteArray("no database\n").repeated(99)) << projectKey
                                << true << false;
     QTest::newRow("truncated to half") << cut << projectKey << true << false;
@@ -201,7 +208,8 @@ void TestSqliteConnection::statementCalls_data()
 
     const QString oneColumn = QStringLiteral("SELECT label FROM n WHERE k < ? ORDER BY k");
     const QString twoColumns = QStringLiteral("SELECT k, label FROM n WHERE k < ? ORDER BY k");
-    const QString values = QStringLiteral("warning: The result should consist of 1 or 0 values but instead it consists of ");
+    const QString values =
+        QStringLiteral("warning: The result should consist of 1 or 0 values but instead it consists of ");
 
     row("execute: insert", "INSERT INTO n (label) VALUES (?)", {"four"}, "true 4");
     row("execute: constraint violated", "INSERT INTO n (k, label) VALUES (?, ?)", {1, 2}, "false 0", {5},
@@ -233,8 +241,9 @@ void TestSqliteConnection::statementCalls()
     QFETCH(QString, text);
     QFETCH(QVariantList, values);
 
-    auto connection = openOn(QStringLiteral("CREATE TABLE n(k INTEGER PRIMARY KEY, label TEXT, amount INTEGER);"
-                                            "INSERT INTO n VALUES (1, 'one', NULL), (2, 'two', 'abc'), (3, 'three', '17');"));
+    auto connection =
+        openOn(QStringLiteral("CREATE TABLE n(k INTEGER PRIMARY KEY, label TEXT, amount INTEGER);"
+                              "INSERT INTO n VALUES (1, 'one', NULL), (2, 'two', 'abc'), (3, 'three', '17');"));
     QVERIFY(connection);
     QSignalSpy errors(connection.get(), &SqliteConnection::error);
     LogCapture log(category);
@@ -296,8 +305,9 @@ void TestSqliteConnection::executeTransaction()
     QSignalSpy errors(connection.get(), &SqliteConnection::error);
     QList<QSharedPointer<ISqlQuery>> queries;
     for (const Statement& statement : statements) {
-        queries.append(statement.first.isNull() ? QSharedPointer<ISqlQuery>()
-                                                : QSharedPointer<FixedStatement>::create(statement.first, statement.second));
+        queries.append(statement.first.isNull()
+                           ? QSharedPointer<ISqlQuery>()
+                           : QSharedPointer<FixedStatement>::create(statement.first, statement.second));
     }
     {
         LogCapture capture(category);
@@ -335,18 +345,22 @@ void TestSqliteConnection::emptyDatabase()
         {
             LogCapture capture(category);
             QCOMPARE(connection->emptyDatabase(), !fails);
-            const QStringList expected = fails ? QStringList{off, "critical: child rows are kept",
-                                                             "warning: Failed to empty tables of database '" + name + "'", on}
-                                               : QStringList{off, on, "info: Emptied all tables of database '" + name + "'"};
+            const QStringList expected =
+                fails ? QStringList{off, "critical: child rows are kept",
+                                    "warning: Failed to empty tables of database '" + name + "'", on}
+                      : QStringList{off, on, "info: Emptied all tables of database '" + name + "'"};
             QCOMPARE(logTexts(capture), expected);
         }
-        QCOMPARE(shell(path, QStringLiteral("SELECT count(*) FROM parent; SELECT count(*) FROM child;"
-                                            " SELECT version FROM database_version_info; SELECT count(*) FROM sqlite_sequence;")),
+        QCOMPARE(shell(path, QStringLiteral(
+                                 "SELECT count(*) FROM parent; SELECT count(*) FROM child;"
+                                 " SELECT version FROM database_version_info; SELECT count(*) FROM sqlite_sequence;")),
                  fails ? QStringLiteral("2\n2\n17\n19\n1") : QStringLiteral("0\n0\n17\n19\n0"));
 
         // Foreign keys are on again: a dangling reference is refused.
-        QCOMPARE(connection->fetchSingleValue(FixedStatement(QStringLiteral("PRAGMA foreign_keys"))), QVariant(qlonglong(1)));
-        QVERIFY(!connection->execute(FixedStatement(QStringLiteral("INSERT INTO child (parent_id) VALUES (99)"))).success);
+        QCOMPARE(connection->fetchSingleValue(FixedStatement(QStringLiteral("PRAGMA foreign_keys"))),
+                 QVariant(qlonglong(1)));
+        QVERIFY(
+            !connection->execute(FixedStatement(QStringLiteral("INSERT INTO child (parent_id) VALUES (99)"))).success);
         QCOMPARE(codesOf(errors), ErrorCodes{5}); // and no other
         errors.clear();
         QVERIFY(connection->execute(FixedStatement(QStringLiteral("DROP TRIGGER IF EXISTS keep"))).success);

@@ -31,8 +31,13 @@ namespace {
 const char* const childSwitch = "--lookup-in-child";
 
 // A statement that is not a SqlQuery: sub-queries must be taken through the interface.
-struct FixedStatement : ISqlQuery {
-    FixedStatement(const QString& text, const QList<QVariant>& values) : text(text), values(values) {}
+struct FixedStatement : ISqlQuery
+{
+    FixedStatement(const QString& text, const QList<QVariant>& values)
+        : text(text)
+        , values(values)
+    {
+    }
     const QString& getPreparedQueryString() const override { return text; }
     const QList<QVariant>& getBindValues() const override { return values; }
     QString text;
@@ -44,7 +49,8 @@ QString describe(const QList<QVariant>& values)
 {
     QStringList items;
     for (const QVariant& value : values)
-        items << QStringLiteral("%1(%2)").arg(QLatin1String(value.isValid() ? value.typeName() : "invalid"), value.toString());
+        items << QStringLiteral("%1(%2)").arg(QLatin1String(value.isValid() ? value.typeName() : "invalid"),
+                                              value.toString());
     return items.join(QStringLiteral(", "));
 }
 
@@ -83,8 +89,9 @@ void TestSqlQuery::chain_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<QList<QVariant>>("binds");
 
-    const auto row = [](const char* name, const Chain& chain, const QString& text,
-                        const QList<QVariant>& binds = {}) { QTest::newRow(name) << chain << text << binds; };
+    const auto row = [](const char* name, const Chain& chain, const QString& text, const QList<QVariant>& binds = {}) {
+        QTest::newRow(name) << chain << text << binds;
+    };
 
     const Q::TableColumnPair ta{"t", "a"};
     const Q::TableColumnPair ub{"u", "b"};
@@ -98,8 +105,8 @@ void TestSqlQuery::chain_data()
 
     row("fresh query", Chain([](SqlQuery& q) -> SqlQuery& { return q; }), "");
     // heads
-    row("insert, columns, values twice", CHAIN(.insertTable("chamber").columns({"a", "b"}).values({1, "b"}).values(
-                                                   {3, "d"}, false)),
+    row("insert, columns, values twice",
+        CHAIN(.insertTable("chamber").columns({"a", "b"}).values({1, "b"}).values({3, "d"}, false)),
         " INSERT INTO chamber (a, b) VALUES(?,?),(?,?)", {1, "b", 3, "d"});
     row("insert or replace, column, value", CHAIN(.insertOrReplaceTable("chamber").column("a").value(QVariant())),
         " INSERT OR REPLACE INTO chamber (a) VALUES(?)", {QVariant()});
@@ -107,8 +114,10 @@ void TestSqlQuery::chain_data()
         CHAIN(.insertTableColumnValuePairs("chamber", {{"chamber_name", "Oven"}, {"serial_no", 4711}})),
         " INSERT INTO chamber (chamber_name, serial_no) VALUES(?,?)", {"Oven", 4711});
     row("update, set pairs, in list of integers",
-        CHAIN(.updateTable("chamber").setColumnValuePairs({{"a", 1}, {"b", "x"}}).whereColumn("id").inList(
-            QList<int>{4, 9})),
+        CHAIN(.updateTable("chamber")
+                  .setColumnValuePairs({{"a", 1}, {"b", "x"}})
+                  .whereColumn("id")
+                  .inList(QList<int>{4, 9})),
         " UPDATE chamber SET a = ?, b = ? WHERE id IN (?, ?)", {1, "x", 4, 9});
     row("update, set pair", CHAIN(.updateTable("t").setColumnValuePair({"a", 2.5})), " UPDATE t SET a = ?", {2.5});
     row("delete, not in list", CHAIN(.deleteFromTable("chamber").whereColumn("a").notInList({1, 2})),
@@ -140,8 +149,8 @@ void TestSqlQuery::chain_data()
     row("between, like", CHAIN(.between(1, 5.5).notBetween("a", "z").like("ab%").notLike("%b")),
         " BETWEEN ? AND ? NOT BETWEEN ? AND ? LIKE ? NOT LIKE ?", {1, 5.5, "a", "z", QString("ab%"), QString("%b")});
     row("in lists, empty ones bind nothing",
-        CHAIN(.inList(QList<QVariant>{1, "x"}).inList(QList<int>{}).inList(QList<QVariant>{})), " IN (?, ?) IN () IN ()",
-        {1, "x"});
+        CHAIN(.inList(QList<QVariant>{1, "x"}).inList(QList<int>{}).inList(QList<QVariant>{})),
+        " IN (?, ?) IN () IN ()", {1, "x"});
     row("left joins with name", CHAIN(.leftJoinOnMatches({taUb, tcVd}, "real")),
         " LEFT JOIN real u ON t.a = u.b LEFT JOIN real v ON t.c = v.d");
     row("joins", CHAIN(.joinOnMatches({taUb, tcVd}).leftJoinOnMatch(taUb).joinOnMatch(valueTypes, "signal")),
@@ -153,13 +162,24 @@ void TestSqlQuery::chain_data()
         " SELECT ?,? FROM t WHERE EXISTS ( SELECT x FROM u WHERE y = ? AND z BETWEEN ? AND ?) AND c = ?",
         {"outer1", "outer2", "sub1", "sub2", "sub3", "outer3"});
     row("other sub-query calls",
-        CHAIN(.selectValue("o1").whereNotExists(one).andColumn("a").equals("o2").andColumn("b").inSelectQuery(
-            one).andColumn("c").notInSelectQuery(one).andColumn("d").equals(one).limitTo(5)),
+        CHAIN(.selectValue("o1")
+                  .whereNotExists(one)
+                  .andColumn("a")
+                  .equals("o2")
+                  .andColumn("b")
+                  .inSelectQuery(one)
+                  .andColumn("c")
+                  .notInSelectQuery(one)
+                  .andColumn("d")
+                  .equals(one)
+                  .limitTo(5)),
         " SELECT ? WHERE NOT EXISTS ( SELECT y) AND a = ? AND b IN ( SELECT y) AND c NOT IN ( SELECT y)"
         " AND d = ( SELECT y) LIMIT ?",
         {"o1", "s", "o2", "s", "s", "s", 5});
     row("table columns and a builder sub-query",
-        CHAIN(.selectTableColumns({{"s", "id"}, {"d", "id"}}).inSelectQuery(sub).orderByTableColumn({"s", "id"}, Q::ASC)),
+        CHAIN(.selectTableColumns({{"s", "id"}, {"d", "id"}})
+                  .inSelectQuery(sub)
+                  .orderByTableColumn({"s", "id"}, Q::ASC)),
         " SELECT s.id, d.id IN ( SELECT x FROM u WHERE y = ?) ORDER BY s.id ASC", {17});
     row("the query as its own sub-query", CHAIN(.selectColumn("a").whereColumn("b").equals(1).whereExists(q)),
         " SELECT a WHERE b = ? WHERE EXISTS ( SELECT a WHERE b = ?)", {1, 1});
@@ -199,7 +219,8 @@ void TestSqlQuery::unknownEnumeratorStopsTheProgram()
     QFETCH(QString, output);
 
     QProcess child;
-    child.start(QCoreApplication::applicationFilePath(), {QString::fromLatin1(childSwitch), kind, QString::number(value)});
+    child.start(QCoreApplication::applicationFilePath(),
+                {QString::fromLatin1(childSwitch), kind, QString::number(value)});
     QVERIFY2(child.waitForFinished(30000), qPrintable(child.errorString()));
     const QString standardError = QString::fromUtf8(child.readAllStandardError());
     QCOMPARE(QString::fromUtf8(child.readAllStandardOutput()), output);
@@ -226,23 +247,32 @@ void TestSqlQuery::createTable_data()
     QTest::newRow("numbered id leaves a blank before the comma")
         << "room" << Columns{{"id", Q::INTEGER, keyNotNull | Q::AUTO_INCREMENT}, {"room_name", Q::TEXT, Q::UNIQUE}}
         << ForeignKeys{} << " CREATE TABLE IF NOT EXISTS room (id INTEGER PRIMARY KEY NOT NULL , room_name TEXT UNIQUE)"
-        << "INSERT INTO room (room_name) VALUES ('a'), ('b'); SELECT id, room_name FROM room;" << "1|a\n2|b\n" << "";
+        << "INSERT INTO room (room_name) VALUES ('a'), ('b'); SELECT id, room_name FROM room;"
+        << "1|a\n2|b\n"
+        << "";
     // The template is filled one argument after the other: "%9" in a name goes too.
     QTest::newRow("type texts, flags in order, percent digit in a name")
         << "t"
-        << Columns{{"e", Q::ENUMERATION}, {"v", Q::REAL, Q::ColumnFlag(254)}, {"signal_%9", Q::BOOLEAN, Q::AUTO_INCREMENT}}
+        << Columns{{"e", Q::ENUMERATION},
+                   {"v", Q::REAL, Q::ColumnFlag(254)},
+                   {"signal_%9", Q::BOOLEAN, Q::AUTO_INCREMENT}}
         << ForeignKeys{}
         << " CREATE TABLE IF NOT EXISTS t (e INTEGER, v REAL PRIMARY KEY NOT NULL UNIQUE BINARY UNSIGNED ZERO FILL ,"
            " signal_  BOOLEAN )"
-        << "" << "" << "";
+        << ""
+        << ""
+        << "";
     // foreign_key_list: id|seq|table|from|to|on_update|on_delete|match, the last declared first
     QTest::newRow("foreign keys in list order, NO ACTION not spelled")
         << "s" << Columns{{"p", Q::INTEGER}, {"q", Q::INTEGER}}
-        << ForeignKeys{{"p", "r", "id", Q::NO_ACTION, Q::CASCADE}, {"q", "r", "id", Q::SET_NULL, Q::NO_ACTION},
-                       {"p", "u", "id", Q::RESTRICT, Q::SET_DEFAULT}, {"q", "u", "id"}}
+        << ForeignKeys{{"p", "r", "id", Q::NO_ACTION, Q::CASCADE},
+                       {"q", "r", "id", Q::SET_NULL, Q::NO_ACTION},
+                       {"p", "u", "id", Q::RESTRICT, Q::SET_DEFAULT},
+                       {"q", "u", "id"}}
         << " CREATE TABLE IF NOT EXISTS s (p INTEGER, q INTEGER, FOREIGN KEY (p) REFERENCES r (id) ON DELETE CASCADE,"
            " FOREIGN KEY (q) REFERENCES r (id) ON UPDATE SET NULL,"
-           " FOREIGN KEY (p) REFERENCES u (id) ON UPDATE RESTRICT ON DELETE SET DEFAULT, FOREIGN KEY (q) REFERENCES u (id))"
+           " FOREIGN KEY (p) REFERENCES u (id) ON UPDATE RESTRICT ON DELETE SET DEFAULT, FOREIGN KEY (q) REFERENCES u "
+           "(id))"
         << "PRAGMA foreign_key_list(s);"
         << "0|0|u|q|id|NO ACTION|NO ACTION|NONE\n1|0|u|p|id|RESTRICT|SET DEFAULT|NONE\n"
            "2|0|r|q|id|SET NULL|NO ACTION|NONE\n3|0|r|p|id|NO ACTION|CASCADE|NONE\n"
@@ -253,17 +283,22 @@ void TestSqlQuery::createTable_data()
         << " CREATE TABLE IF NOT EXISTS t (a INTEGER NOT NULL, b INTEGER NOT NULL, c TEXT,"
            " FOREIGN KEY (a) REFERENCES r (id)PRIMARY KEY (a, b))"
         << "PRAGMA table_info(t); INSERT INTO t VALUES (1, 2, 'x'); INSERT INTO t VALUES (1, 2, 'y');"
-        << "0|a|INTEGER|1||1\n1|b|INTEGER|1||2\n2|c|TEXT|0||0\n" << "UNIQUE constraint failed: t.a, t.b";
+        << "0|a|INTEGER|1||1\n1|b|INTEGER|1||2\n2|c|TEXT|0||0\n"
+        << "UNIQUE constraint failed: t.a, t.b";
     // The limits of the joining: the key must follow a closing bracket.
     QTest::newRow("composite key without foreign key is refused")
         << "t" << pair.mid(0, 2) << ForeignKeys{}
-        << " CREATE TABLE IF NOT EXISTS t (a INTEGER NOT NULL, b INTEGER NOT NULLPRIMARY KEY (a, b))" << "" << ""
+        << " CREATE TABLE IF NOT EXISTS t (a INTEGER NOT NULL, b INTEGER NOT NULLPRIMARY KEY (a, b))"
+        << ""
+        << ""
         << "near \"NULLPRIMARY\": syntax error";
     QTest::newRow("composite key behind an action is refused")
         << "t" << pair << ForeignKeys{{"b", "r", "id", Q::NO_ACTION, Q::CASCADE}}
         << " CREATE TABLE IF NOT EXISTS t (a INTEGER NOT NULL, b INTEGER NOT NULL, c TEXT,"
            " FOREIGN KEY (b) REFERENCES r (id) ON DELETE CASCADEPRIMARY KEY (a, b))"
-        << "" << "" << "near \"CASCADEPRIMARY\": syntax error";
+        << ""
+        << ""
+        << "near \"CASCADEPRIMARY\": syntax error";
 }
 
 void TestSqlQuery::createTable()
@@ -280,8 +315,8 @@ void TestSqlQuery::createTable()
     QVERIFY(query.getBindValues().isEmpty());
     if (probe.isEmpty() && error.isEmpty())
         return;
-    const TestDatabase::ShellResult engine =
-        TestDatabase::runSqlcipher(QStringLiteral(":memory:"), QString(), query.getPreparedQueryString() + ";\n" + probe);
+    const TestDatabase::ShellResult engine = TestDatabase::runSqlcipher(QStringLiteral(":memory:"), QString(),
+                                                                        query.getPreparedQueryString() + ";\n" + probe);
     QTEST(engine.output, "output");
     QVERIFY2(error.isEmpty() ? engine.ok : engine.errorOutput.contains(error), qPrintable(engine.errorOutput));
 }
