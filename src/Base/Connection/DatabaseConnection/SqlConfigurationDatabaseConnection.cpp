@@ -649,12 +649,15 @@ QMap<int, ChamberSignal> SqlConfigurationDatabaseConnection::getChamberSignals(c
 SignalId SqlConfigurationDatabaseConnection::getChamberTypeTestSignalId(const ChamberTypeId& id) const
 {
     if (!checkDependencies("getChamberTypeTestSignalId")) {
-        return -1;
+        return 0;
     }
-    return toSignalId(connection->fetchSingleValue(selectValueById(
-        DC::lookupChamberTypeHasTestSignalTableName(),
-        DC::lookupChamberTypeHasTestSignalColumnName(ChamberTypeHasTestSignalProperty::TEST_SIGNAL_ID),
-        DC::lookupChamberTypeHasTestSignalColumnName(ChamberTypeHasTestSignalProperty::CHAMBER_TYPE_ID), id.typeId)));
+    // The plain conversion, with no fallback: a type without a test signal gives 0.
+    return connection
+        ->fetchSingleValue(selectValueById(
+            DC::lookupChamberTypeHasTestSignalTableName(),
+            DC::lookupChamberTypeHasTestSignalColumnName(ChamberTypeHasTestSignalProperty::TEST_SIGNAL_ID),
+            DC::lookupChamberTypeHasTestSignalColumnName(ChamberTypeHasTestSignalProperty::CHAMBER_TYPE_ID), id.typeId))
+        .toInt();
 }
 
 QVariant SqlConfigurationDatabaseConnection::getChamberSignalProperty(const SignalId& id, SignalProperty property) const

@@ -394,7 +394,7 @@ void TestSqlConfigurationDatabaseConnection::reads_data()
             return ids({s.getChamberTypeTestSignalId(ChamberTypeId(50, 1050)),
                         s.getChamberTypeTestSignalId(ChamberTypeId(90, 0))});
         },
-        "503 -1");
+        "503 0");
 
     // Source type 11: 104, 114 temperature (value type 1), 131, 133 digital (5); destination type 41:
     // 401, 411 temperature, 421 counter (8), 422, 423 digital. The values are whole signals, registers included.
