@@ -12,7 +12,7 @@
 #include <QList>
 #include <QSettings>
 #include <QSharedPointer>
-#include <QSqlQuery>
+#include <QSqlDatabase>
 #include <QString>
 #include <QTextStream>
 
@@ -114,13 +114,22 @@ void attachValueFile(const QSharedPointer<ChamberSimulation>& chamber, const QSt
         chamber->setSimulationReader(QSharedPointer<zelmor::simulation::XmlSimulationReader>::create(valueFilePath));
 }
 
-// The catalogue is never written. Holding the engine's shared lock from one
-// statement to the next spares the file checks that each statement would make
-// on its own (about ten system calls), which dominate loading a large catalogue.
-void holdCatalogueReadLock(SqliteConnection& connection)
+// Building a fleet reads the catalogue in thousands of small statements. In
+// one read transaction the engine keeps its shared lock and its page cache from
+// one to the next and spares the file checks that each statement would make on
+// its own (about ten system calls), which dominate loading a large catalogue.
+// The transaction ends once the fleet is built: the monitoring application
+// shares the file and must be able to write to it while the tool runs. Without
+// the transaction the reads are only slower.
+bool beginCatalogueRead(SqliteConnection& connection)
 {
-    QSqlQuery query(connection.getDatabase());
-    query.exec(QStringLiteral("PRAGMA locking_mode = EXCLUSIVE"));
+    return connection.getDatabase().transaction();
+}
+
+void endCatalogueRead(SqliteConnection& connection, bool begun)
+{
+    if (begun)
+        connection.getDatabase().rollback();
 }
 
 // A wrong key still opens: the engine only tells at the first statement that
@@ -129,7 +138,6 @@ bool openReadableCatalogue(SqliteConnection& connection, const QString& path)
 {
     if (!connection.openDatabase(path, QString(), QString(), QLatin1String(configurationDatabaseKey)))
         return false;
-    holdCatalogueReadLock(connection);
     SqlQuery probe;
     probe.selectCount(SqlQuery::ALL, QString()).fromTable(QStringLiteral("sqlite_master"));
     return connection.fetchSingleValue(probe).isValid();
@@ -212,6 +220,7 @@ int main(int argc, char* argv[])
 
     if (!openConfigurationDatabase(configurationConnection, iniDatabasePath))
         return databaseNotOpened;
+    const bool catalogueRead = beginCatalogueRead(configurationConnection);
 
     if (!automaticAddress.isEmpty()) {
         const QList<QSharedPointer<ChamberSimulation>> fleet =
@@ -239,6 +248,8 @@ int main(int argc, char* argv[])
             chambers.append(chamber);
         }
     }
+
+    endCatalogueRead(configurationConnection, catalogueRead);
 
     // In the automatic path every chamber starts a second time here; a
     // second start() leaves the first one's listener as it is.

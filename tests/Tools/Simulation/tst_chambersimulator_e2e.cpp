@@ -80,6 +80,7 @@ private slots:
     void processValueFollowsTheLag();
     void discovery();
     void startsWithoutDisplayAndRaisesTheFileLimit();
+    void catalogueStaysWritable();
     void commandLine_data();
     void commandLine();
 
@@ -228,6 +229,27 @@ void TestChamberSimulatorEndToEnd::startsWithoutDisplayAndRaisesTheFileLimit()
     const QByteArray text = limits.readAll();
     const QByteArray hard = QByteArray::number(qulonglong(hardFileLimit));
     QVERIFY2(text.simplified().contains("Max open files " + hard + ' ' + hard + " files"), text.constData());
+}
+
+// The ini file is the monitoring application's own: both name the same
+// catalogue, and the application may write to it while the tool runs.
+void TestChamberSimulatorEndToEnd::catalogueStaysWritable()
+{
+    const QString shared = databases.filePath(QStringLiteral("shared.sqlite3"));
+    QVERIFY(QFile::copy(catalogue, shared));
+    SimulatorProcess simulator;
+    QVERIFY(simulator.writeIni("[%General]\nConfigDatabasePath=" + shared.toUtf8() + '\n'));
+    simulator.start({"tlx", "-i127.0.57.34"});
+    QVERIFY2(simulator.waitForOutput("Start TLX simulation"), simulator.standardError().constData());
+    QVERIFY(simulator.waitUntilIdle());
+
+    // The shell waits for no lock: a catalogue still locked fails at once.
+    const TestDatabase::ShellResult written = TestDatabase::runSqlcipher(
+        shared, QLatin1String(TestDatabase::projectKey_),
+        QStringLiteral("UPDATE chamber_type SET description = 'written meanwhile' WHERE id = 1; SELECT changes();"));
+    QVERIFY2(written.ok, qPrintable(written.errorOutput));
+    QCOMPARE(written.output, QStringLiteral("1\n"));
+    QVERIFY(simulator.isRunning());
 }
 
 void TestChamberSimulatorEndToEnd::commandLine_data()
