@@ -5,6 +5,7 @@
 #include "Tools/Simulation/ChamberSimulation.h"
 #include "Tools/Simulation/ConsoleOutput.h"
 #include "Tools/Simulation/EpollEventDispatcher.h"
+#include "Tools/Simulation/OpenFileLimit.h"
 #include "Tools/Simulation/XmlSimulationReader.h"
 
 #include <QApplication>
@@ -15,8 +16,6 @@
 #include <QSqlDatabase>
 #include <QString>
 #include <QTextStream>
-
-#include <sys/resource.h>
 
 using zelmor::base::connection::databaseconnection::DatabaseConnection;
 using zelmor::base::connection::databaseconnection::SqliteConnection;
@@ -69,17 +68,6 @@ void keepLocalTimeCheap()
     static const char localTimeFile[] = "/etc/localtime";
     if (!qEnvironmentVariableIsSet("TZ") && QFile::exists(QLatin1String(localTimeFile)))
         qputenv("TZ", QByteArray(":") + localTimeFile);
-}
-
-// A TLX chamber holds three descriptors (listener, responder, client); the
-// usual soft limit of 1024 would end a large fleet without a word.
-void raiseOpenFileLimit()
-{
-    rlimit limit{};
-    if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur == limit.rlim_max)
-        return;
-    limit.rlim_cur = limit.rlim_max;
-    setrlimit(RLIMIT_NOFILE, &limit);
 }
 
 // Qt's own dispatchers poll every socket on every wake-up, so that with a
@@ -163,7 +151,8 @@ int main(int argc, char* argv[])
 {
     chooseWindowlessPlatform();
     keepLocalTimeCheap();
-    raiseOpenFileLimit();
+    // The usual soft limit of 1024 would end a fleet at about 330 chambers.
+    zelmor::simulation::OpenFileLimit::raise();
     installFleetEventDispatcher();
 
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling, true);
