@@ -68,7 +68,7 @@ void OpenFileLimit::reportIfExhausted()
     QTextStream& error = errorOutput();
     error << "Out of file descriptors (limit " << qulonglong(limit.rlim_cur)
           << "): chambers can't listen or take their clients from here on. Raise the limit of open files "
-             "(ulimit -n), or run as root to let the tool raise it.\n";
+             "(ulimit -n), or run as root with CAP_SYS_RESOURCE to let the tool raise it.\n";
     error.flush();
 }
 

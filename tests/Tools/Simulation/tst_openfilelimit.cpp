@@ -27,9 +27,10 @@ using zelmor::testsupport::StreamCapture;
 
 namespace {
 
-const QByteArray message = "Out of file descriptors (limit %1): chambers can't listen or take their clients from "
-                           "here on. Raise the limit of open files (ulimit -n), or run as root to let the tool "
-                           "raise it.\n";
+const QByteArray message =
+    "Out of file descriptors (limit %1): chambers can't listen or take their clients from "
+    "here on. Raise the limit of open files (ulimit -n), or run as root with CAP_SYS_RESOURCE to let the tool "
+    "raise it.\n";
 
 // The limits that raise() leaves in a child process that started with
 // `before` and, unless privileged, runs as the user nobody.
