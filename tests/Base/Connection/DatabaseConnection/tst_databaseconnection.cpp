@@ -4,16 +4,14 @@
 #include "Domain/Types/ChamberSignal.h"
 #include "Domain/Types/ChamberTypeData.h"
 #include "Domain/Types/ChamberTypeId.h"
+#include "support/ChildRun.h"
 #include "support/LogCapture.h"
 #include "support/SampleCatalogue.h"
 #include "support/TestDatabase.h"
 
 #include <QCoreApplication>
-#include <QProcess>
 #include <QTextStream>
 #include <QtTest>
-
-#include <sys/resource.h>
 
 #include <functional>
 
@@ -37,7 +35,6 @@ Q_DECLARE_METATYPE(Name)
 
 namespace {
 
-const char* const childSwitch = "--lookup-in-child";
 const QString projectKey = QLatin1String(TestDatabase::projectKey_);
 
 // ---------------------------------------------------------------------------
@@ -266,13 +263,9 @@ void TestDatabaseConnection::lookups()
 // A number past the last enumerator stops the program (see main).
 void TestDatabaseConnection::lookupPastTheLastStops()
 {
-    QProcess child;
-    child.start(QCoreApplication::applicationFilePath(), {QString::fromLatin1(childSwitch)});
-    QVERIFY2(child.waitForFinished(30000), qPrintable(child.errorString()));
-    const QString standardError = QString::fromUtf8(child.readAllStandardError());
-    QCOMPARE(child.exitStatus(), QProcess::CrashExit);
-    QCOMPARE(child.readAllStandardOutput(), QByteArray());
-    QVERIFY2(standardError.contains(QLatin1String("ASSERT: \"false\" in file")), qPrintable(standardError));
+    const zelmor::testsupport::ChildRun child = zelmor::testsupport::ChildRun::start({});
+    QCOMPARE(child.standardOutput, QByteArray());
+    QVERIFY2(child.stoppedOnAssertion("false", "DatabaseSchema.cpp"), child.standardError.constData());
 }
 
 // ---------------------------------------------------------------------------
@@ -451,9 +444,7 @@ void TestDatabaseConnection::catalogueThroughTheFacade()
 int main(int argc, char** argv)
 {
     // Child mode: a lookup the assertion should stop.
-    if (argc == 2 && qstrcmp(argv[1], childSwitch) == 0) {
-        const rlimit noCoreFile{0, 0};
-        setrlimit(RLIMIT_CORE, &noCoreFile);
+    if (zelmor::testsupport::isChildRun(argc, argv)) {
         QTextStream(stdout) << DatabaseConnection::lookupChamberColumnName(ChamberProperty(19));
         return 0;
     }
