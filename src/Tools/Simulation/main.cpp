@@ -1,10 +1,10 @@
 #include "Base/Connection/DatabaseConnection/DatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlQuery.h"
 #include "Base/Connection/DatabaseConnection/SqliteConnection.h"
+#include "Base/EventDispatcher/EpollEventDispatcher.h"
 #include "Tools/Simulation/ChamberFleet.h"
 #include "Tools/Simulation/ChamberSimulation.h"
 #include "Tools/Simulation/ConsoleOutput.h"
-#include "Tools/Simulation/EpollEventDispatcher.h"
 #include "Tools/Simulation/OpenFileLimit.h"
 #include "Tools/Simulation/XmlSimulationReader.h"
 
@@ -80,7 +80,7 @@ void installFleetEventDispatcher()
     const bool windowless = platform.startsWith("offscreen") || platform.startsWith("minimal");
     if (!windowless || qgetenv("ZELMOR_EVENT_DISPATCHER") == "qt")
         return;
-    auto* const dispatcher = new zelmor::simulation::EpollEventDispatcher;
+    auto* const dispatcher = new zelmor::base::eventdispatcher::EpollEventDispatcher;
     if (!dispatcher->isValid()) {
         delete dispatcher;
         return;
