@@ -5,8 +5,8 @@
 #include "Domain/Api/ISqlConnection.h"
 
 // The creation functions of the application tables are in
-// DatabaseConnectionTables.cpp, the calls passed on to the stores in
-// DatabaseConnection<Store>.cpp.
+// DatabaseConnectionTables.cpp, the calls passed on to the catalogue in
+// DatabaseConnectionConfiguration.cpp.
 
 namespace zelmor::base::connection::databaseconnection {
 
@@ -34,9 +34,7 @@ bool DatabaseConnection::setDependencies(ISqlConnection* applicationDatabase, IS
     if (!areDependenciesSet()) {
         return false;
     }
-    // The stores in this order, each stopping the wiring on false: access,
-    // camera, alarm, configuration, chamber, program, protocol, recording,
-    // recordset, room, settings, user.
+    // Store by store, stopping the wiring at the first that refuses.
     if (!configurationStore->setDependencies(configurationDatabase)) {
         return false;
     }

@@ -37,7 +37,7 @@ class DatabaseConnection : public QObject,
     Q_OBJECT
 
 public:
-    // The flag goes to the protocol and user stores: it merges user levels on reading.
+    // The flag is kept for the stores that read user levels: it merges them on reading.
     explicit DatabaseConnection(bool mergeUserLevels, QObject* parent = nullptr);
     ~DatabaseConnection() override;
 
@@ -112,9 +112,7 @@ private:
 
     zelmor::domain::api::ISqlConnection* applicationDatabase = nullptr;
     zelmor::domain::api::ISqlConnection* configurationDatabase = nullptr;
-    // The stores, without parents, in this order: access, alarm, camera,
-    // chamber, configuration, program, protocol, recording, recordset, room,
-    // settings, user. The others join in their places.
+    // The stores, without parents; so far the catalogue alone.
     QSharedPointer<SqlConfigurationDatabaseConnection> configurationStore;
     bool mergeUserLevels;
     bool databaseVersionWrong = false;
