@@ -19,6 +19,7 @@
 #include <memory>
 
 #include <sys/resource.h>
+#include <unistd.h>
 
 using zelmor::testsupport::SimulatorProcess;
 using zelmor::testsupport::TestDatabase;
@@ -82,6 +83,8 @@ private slots:
     void discovery();
     void startsWithoutDisplayAndRaisesTheFileLimit();
     void catalogueStaysWritable();
+    void typeWordsKeepTheirOrder_data();
+    void typeWordsKeepTheirOrder();
     void commandLine_data();
     void commandLine();
 
@@ -254,6 +257,31 @@ void TestChamberSimulatorEndToEnd::catalogueStaysWritable()
     QVERIFY2(written.ok, qPrintable(written.errorOutput));
     QCOMPARE(written.output, QStringLiteral("1\n"));
     QVERIFY(simulator.isRunning());
+}
+
+void TestChamberSimulatorEndToEnd::typeWordsKeepTheirOrder_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("starts");
+    const QByteArray tlx = "Start TLX simulation HX 60 Z6 on 127.0.57.36:9000\r\n";
+    const QByteArray kv2 = "Start Modbus simulation VC 7034 Z2 on 127.0.57.36:502\r\n";
+    QTest::newRow("tlx kv2") << QStringList{"tlx", "kv2", "-i127.0.57.36"} << tlx + kv2;
+    QTest::newRow("kv2 tlx") << QStringList{"kv2", "-i127.0.57.36", "tlx"} << kv2 + tlx;
+}
+
+// The type words add their types in command-line order, one chamber each on the one address.
+void TestChamberSimulatorEndToEnd::typeWordsKeepTheirOrder()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, starts);
+    if (::geteuid() != 0)
+        QSKIP("Modbus TCP's port 502 needs root");
+    SimulatorProcess simulator;
+    QVERIFY(simulator.installCatalogue(catalogue));
+    simulator.start(arguments);
+    QVERIFY2(simulator.waitForOutput(starts.mid(starts.indexOf('\n') + 1)), simulator.standardError().constData());
+    QVERIFY(simulator.waitUntilIdle());
+    QCOMPARE(simulator.foldedOutput().replace('+', ""), readingDefault + starts);
 }
 
 void TestChamberSimulatorEndToEnd::commandLine_data()
