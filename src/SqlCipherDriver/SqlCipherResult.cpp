@@ -482,7 +482,10 @@ QVariant SqlCipherResult::columnValue(int column) const
         return QVariant(size > 0 ? QByteArray(bytes, size) : QByteArray(""));
     }
     default:
-        return QVariant();
+        // NULL as Qt's own SQLite driver gives it, whatever the column's type:
+        // a null text, valid and isNull(), so that "a NULL" and "no value at
+        // all" (an invalid QVariant) stay apart.
+        return QVariant(QVariant::String);
     }
 }
 
@@ -514,7 +517,7 @@ bool SqlCipherResult::isNull(int column)
         return true;
     if (readFromBuffer_) {
         const int index = (at() - bufferFirstRow_) * columnCount_ + column;
-        return index < 0 || index >= buffer_.size() || !buffer_.at(index).isValid();
+        return index < 0 || index >= buffer_.size() || buffer_.at(index).isNull();
     }
     return !stepping_ || sqlite3_column_type(statement_, column) == SQLITE_NULL;
 }

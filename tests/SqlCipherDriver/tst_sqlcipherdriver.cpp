@@ -91,6 +91,9 @@ private slots:
     void bindsAndReadsBack_data();
     void bindsAndReadsBack();
 
+    void readsNullsAsQtsSqliteDriver_data();
+    void readsNullsAsQtsSqliteDriver();
+
     void unreadableFiles_data();
     void unreadableFiles();
 
@@ -176,7 +179,8 @@ void tst_SqlCipherDriver::bindsAndReadsBack_data()
 
     for (QVariant::Type type :
          {QVariant::Int, QVariant::String, QVariant::ByteArray, QVariant::DateTime, QVariant::Invalid})
-        row(QStringLiteral("null %1").arg(QVariant::typeToName(type)), QVariant(type), "null|NULL", QVariant());
+        row(QStringLiteral("null %1").arg(QVariant::typeToName(type)), QVariant(type), "null|NULL",
+            QVariant(QVariant::String));
     row("true", true, "integer|1", qlonglong(1));
     row("int min", std::numeric_limits<int>::min(), "integer|-2147483648", qlonglong(-2147483648LL));
     row("uint max", std::numeric_limits<uint>::max(), "integer|4294967295", qlonglong(4294967295LL));
@@ -219,7 +223,7 @@ void tst_SqlCipherDriver::bindsAndReadsBack()
         QVERIFY(query.next());
         const QVariant value = query.value(0);
         QCOMPARE(describe(value), describe(readBack));
-        QCOMPARE(query.isNull(0), !readBack.isValid());
+        QCOMPARE(query.isNull(0), readBack.isNull());
         if (bound.type() == QVariant::ULongLong && !bound.isNull())
             QCOMPARE(value.toULongLong(), bound.toULongLong());
         if (bound.type() == QVariant::DateTime && !bound.isNull()) {
@@ -229,6 +233,65 @@ void tst_SqlCipherDriver::bindsAndReadsBack()
     }
     // What the engine itself holds, seen by the shell rather than the driver.
     QCOMPARE(shell(path, QStringLiteral("SELECT typeof(x), quote(x) FROM v;")), storedAs + QLatin1Char('\n'));
+}
+
+void tst_SqlCipherDriver::readsNullsAsQtsSqliteDriver_data()
+{
+    QTest::addColumn<QString>("expression");
+    QTest::addColumn<QString>("readBack"); // as describe() gives it
+    QTest::addColumn<bool>("isNull");
+
+    // Row 1 of n holds NULL in every column; row 2 of n holds values.
+    const QString nullText = QStringLiteral("QString() null");
+    for (const char* column : {"i", "t", "r", "b", "d", "f", "u"})
+        QTest::newRow(column) << QString::fromLatin1(column) << nullText << true;
+    QTest::newRow("literal") << "NULL" << nullText << true;
+    QTest::newRow("cast to integer") << "CAST(NULL AS INTEGER)" << nullText << true;
+    QTest::newRow("outer join") << "(SELECT m.x FROM n AS o LEFT JOIN n AS m ON 0 WHERE o.id = 1)" << nullText << true;
+    QTest::newRow("aggregate of no rows") << "(SELECT max(i) FROM n WHERE 0)" << nullText << true;
+    // Neither an empty text nor a zero is NULL.
+    QTest::newRow("empty text") << "''"
+                                << "QString()" << false;
+    QTest::newRow("zero") << "0"
+                          << "qlonglong(0)" << false;
+}
+
+// The rules of the code above the driver ("one row whose value is NULL" apart
+// from "no row at all") were written for Qt's own SQLite driver: same file,
+// both drivers, both read modes.
+void tst_SqlCipherDriver::readsNullsAsQtsSqliteDriver()
+{
+    QFETCH(QString, expression);
+    QFETCH(QString, readBack);
+    QFETCH(bool, isNull);
+
+    QVERIFY2(QSqlDatabase::isDriverAvailable(QStringLiteral("QSQLITE")),
+             "Qt's SQLite driver is missing (Debian package libqt5sql5-sqlite)");
+    const QString path =
+        files_->createPlain(QStringLiteral("n.sqlite3"),
+                            QStringLiteral("CREATE TABLE n(id INTEGER PRIMARY KEY, i INTEGER, t TEXT, r REAL, b BLOB, "
+                                           "d DATETIME, f BOOLEAN, u, x);"
+                                           "INSERT INTO n(id) VALUES (1);"
+                                           "INSERT INTO n VALUES (2, 7, 'seven', 7.5, x'07', '2024-01-01', 1, 7, 7);"));
+    QVERIFY2(!path.isEmpty(), qPrintable(files_->lastError()));
+
+    QSqlDatabase sqlite = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("qsqlite"));
+    connections_ << sqlite.connectionName();
+    sqlite.setDatabaseName(path);
+    QVERIFY2(sqlite.open(), qPrintable(sqlite.lastError().text()));
+    const QSqlDatabase cipher = open(path, QString());
+
+    const QString select = QStringLiteral("SELECT %1 FROM n WHERE id = 1").arg(expression);
+    for (const bool forwardOnly : {true, false}) {
+        for (const QSqlDatabase& db : {sqlite, cipher}) {
+            const QString context = db.driverName() + (forwardOnly ? QLatin1String(" forward") : QLatin1String(""));
+            QSqlQuery query(db);
+            query.setForwardOnly(forwardOnly);
+            QVERIFY2(query.exec(select) && query.next(), qPrintable(context + query.lastError().text()));
+            QCOMPARE(context + QLatin1Char(' ') + describe(query.value(0)), context + QLatin1Char(' ') + readBack);
+            QCOMPARE(query.isNull(0), isNull);
+        }
+    }
 }
 
 void tst_SqlCipherDriver::unreadableFiles_data()

@@ -369,16 +369,18 @@ void TestSqlConfigurationDatabaseConnection::reads_data()
     row("range of a set point id given as process value", range(1, 111, false), summary(DefaultToleranceRange()));
     row("range with NULL bounds and delays", range(247, 314, true), "Pressure 314/304, 2 [0 7, 0 7], -1 -1");
 
-    // "delay2" is kept in minutes, "delay1" in seconds; NULL and another type's signal give 0.
+    // "delay2" is kept in minutes, "delay1" in seconds. A NULL delay is -1 in the catalogue's unit, so -60
+    // seconds for "delay2"; only another type's signal, with no row at all, gives 0.
     row(
         "delays",
         [](OpenStore& s) {
             return ids({s.getChamberSignalDelay(ChamberTypeId(70, 0), 701, true),
                         s.getChamberSignalDelay(ChamberTypeId(1, 0), 101, false),
                         s.getChamberSignalDelay(ChamberTypeId(1, 0), 121, false),
+                        s.getChamberSignalDelay(ChamberTypeId(12, 0), 160, true),
                         s.getChamberSignalDelay(ChamberTypeId(2, 0), 121, true)});
         },
-        "120 300 0 0");
+        "120 300 -1 -60 0");
     // Fahrenheit, and NULL as dimensionless.
     row(
         "units",

@@ -52,14 +52,17 @@ void TestSqlHelper::read_data()
                         const QVariant& expected) {
         QTest::newRow(name) << QString(kind) << value << valid << fallback << expected;
     };
-    const QVariant null;
+    // NULL as the driver gives it, and no value at all (no row).
+    const QVariant null(QVariant::String);
+    const QVariant none;
     const QVariant emptyText = QVariant(QString(QLatin1String("")));
     const QVariant text = QStringLiteral("fallback");
     const QDateTime time2000(QDate(2000, 1, 1), QTime(0, 0), Qt::UTC);
 
     row("variant: NULL", "variant", null, false, text, text);
+    row("variant: no value", "variant", none, false, text, text);
+    row("int: no value, fallback -1", "int", none, false, -1, -1);
     row("variant: empty text", "variant", emptyText, false, text, text);
-    row("variant: null text", "variant", QVariant(QString()), false, text, text);
     row("variant: blank text", "variant", QStringLiteral(" "), true, text, QStringLiteral(" "));
     row("variant: integer 0", "variant", qlonglong(0), true, text, qlonglong(0));
     row("variant: empty blob is not text", "variant", QByteArray(), true, text, QByteArray());

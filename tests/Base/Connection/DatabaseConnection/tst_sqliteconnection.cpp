@@ -59,11 +59,14 @@ ErrorCodes codesOf(const QSignalSpy& spy)
     return codes;
 }
 
-// Type and value, so that an integer 1 and a text "1" differ; lists as [a, b].
+// Type and value, so that an integer 1 and a text "1" differ, and a NULL
+// differs from no value at all ("none"); lists as [a, b].
 QString describe(const QVariant& value)
 {
     if (!value.isValid())
-        return QStringLiteral("NULL");
+        return QStringLiteral("none");
+    if (value.isNull())
+        return QString::fromLatin1(value.typeName()) + QLatin1String("(NULL)");
     if (value.type() == QVariant::List) {
         QStringList items;
         for (const QVariant& item : value.toList())
@@ -216,9 +219,11 @@ void TestSqliteConnection::statementCalls_data()
         "critical: UNIQUE constraint failed: n.k");
     row("value: one", oneColumn, {2}, "QString(one)");
     row("value: binds in list order", "SELECT ? || ? || ?", {"a", "b", "c"}, "QString(abc)");
-    row("value: none, silently", oneColumn, {1}, "NULL");
-    row("value: two rows", oneColumn, {3}, "NULL", {8}, values + "2 row(s) and 1 column(s)");
-    row("value: one row of two columns", twoColumns, {2}, "NULL", {8}, values + "1 row(s) and 2 column(s)");
+    row("value: none, silently", oneColumn, {1}, "none");
+    // One row whose value is NULL is not "no row": the value is there, as a null text.
+    row("value: NULL", "SELECT amount FROM n WHERE k = ?", {1}, "QString(NULL)");
+    row("value: two rows", oneColumn, {3}, "none", {8}, values + "2 row(s) and 1 column(s)");
+    row("value: one row of two columns", twoColumns, {2}, "none", {8}, values + "1 row(s) and 2 column(s)");
     row("row: one", twoColumns, {2}, "[qlonglong(1), QString(one)]");
     row("row: three rows", twoColumns, {9}, "[]", {8},
         "warning: The result should consist of 1 or 0 rows but instead it consists of 3 rows");
@@ -227,7 +232,7 @@ void TestSqliteConnection::statementCalls_data()
         "warning: The result should consist of exactly 1 or 0 columns but instead it consists of 2 columns");
     // An INTEGER column keeps what does not look like a number as text.
     row("column: text in an integer column", "SELECT amount FROM n ORDER BY k", {},
-        "[NULL, QString(abc), qlonglong(17)]");
+        "[QString(NULL), QString(abc), qlonglong(17)]");
     row("callback: rows in order", "SELECT k, label FROM n WHERE k > ? ORDER BY k DESC", {1},
         "[[qlonglong(3), QString(three)], [qlonglong(2), QString(two)]]");
     row("callback: not preparable", "SELECT label FROM missing", {}, "[]", {6}, "critical: no such table: missing");
