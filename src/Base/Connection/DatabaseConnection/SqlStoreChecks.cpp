@@ -30,7 +30,7 @@ bool SqlStoreChecks::hasTables(const zelmor::domain::api::ISqlConnection& connec
 {
     for (const QString& table : tables) {
         if (!connection.containsTable(table)) {
-            qCCritical(category_) << "The database lacks the table" << table;
+            qCCritical(category_).noquote() << QStringLiteral("The database lacks the table '%1'").arg(table);
             report_(DatabaseConnectionError::MISSING_TABLE);
             return false;
         }
