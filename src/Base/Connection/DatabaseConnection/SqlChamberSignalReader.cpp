@@ -94,9 +94,9 @@ enum ControlSignalColumn {
     CONTROL_COLUMNS
 };
 
-// The signal columns of a source type's signal, then a seventeenth: the id of
-// the destination type's signal that it matches.
-constexpr int matchingSignalColumnCount = SIGNAL_COLUMNS + 1;
+// A row of matching signals: the signal columns of a source type's signal,
+// then the id of the destination type's signal that it matches.
+enum MatchColumn { MATCH_DESTINATION_ID = SIGNAL_COLUMNS, MATCH_COLUMNS };
 
 // " SELECT signal_id FROM chamber_type_has_signal WHERE chamber_type_id = ?"
 SqlQuery signalIdsOfType(quint64 typeId)
@@ -153,14 +153,7 @@ void SqlChamberSignalReader::setConnection(ISqlConnection* connection)
 QStringList SqlChamberSignalReader::prepareChamberSignalColumnNames()
 {
     // Built once: a full catalogue read names these columns thousands of times.
-    static const QStringList names = [] {
-        QStringList list;
-        list.reserve(SIGNAL_COLUMNS);
-        for (SignalProperty property : signalLayout) {
-            list.append(DC::lookupSignalColumnName(property));
-        }
-        return list;
-    }();
+    static const QStringList names = SqlRow::columnNames(DC::lookupSignalColumnName, signalLayout);
     return names;
 }
 
@@ -271,9 +264,8 @@ QMap<SignalId, ChamberSignal> SqlChamberSignalReader::getMatchingSignals(quint64
     QMap<SignalId, ChamberSignal> result;
     const QList<QList<QVariant>> rows = connection->fetch(query);
     for (const QList<QVariant>& row : rows) {
-        if (checks.hasWidth(row, matchingSignalColumnCount, "getMatchingSignals")) {
-            // The destination's id stands behind the source signal's columns.
-            result.insert(SqlRow(row).toInt(SIGNAL_COLUMNS, -1),
+        if (checks.hasWidth(row, MATCH_COLUMNS, "getMatchingSignals")) {
+            result.insert(SqlRow(row).toInt(MATCH_DESTINATION_ID, -1),
                           parseChamberSignalTableRow(row.mid(0, SIGNAL_COLUMNS), SIGNAL_COLUMNS));
         }
     }

@@ -4,6 +4,7 @@
 #include <QDateTime>
 #include <QList>
 #include <QString>
+#include <QStringList>
 #include <QTime>
 #include <QVariant>
 
@@ -48,6 +49,21 @@ public:
     // A time written in UTC, in local time; NULL gives an invalid time. A text
     // without an offset, as other tools write it, counts as UTC too.
     QDateTime toLocalTime(int position) const;
+
+    // The select list of a row layout: the column of each position, in order.
+    //
+    //     const RoomProperty roomLayout[ROOM_COLUMNS] = {RoomProperty::ID, ...};
+    //     query.selectColumns(SqlRow::columnNames(DC::lookupRoomColumnName, roomLayout));
+    template<typename Property, int width>
+    static QStringList columnNames(QString (*lookup)(Property), const Property (&layout)[width])
+    {
+        QStringList names;
+        names.reserve(width);
+        for (Property property : layout) {
+            names.append(lookup(property));
+        }
+        return names;
+    }
 
 private:
     QList<QVariant> values_;
