@@ -1,6 +1,10 @@
 #include "Base/Connection/DatabaseConnection/DatabaseConnection.h"
 
+#include "Base/Connection/DatabaseConnection/SqlCameraDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlConfigurationDatabaseConnection.h"
+#include "Base/Connection/DatabaseConnection/SqlProtocolDatabaseConnection.h"
+#include "Base/Connection/DatabaseConnection/SqlRoomDatabaseConnection.h"
+#include "Base/Connection/DatabaseConnection/SqlSettingsDatabaseConnection.h"
 #include "Domain/Api/IInitializing.h"
 #include "Domain/Api/ISqlConnection.h"
 
@@ -18,7 +22,11 @@ using zelmor::domain::types::DatabaseConnectionError;
 
 DatabaseConnection::DatabaseConnection(bool mergeUserLevels, QObject* parent)
     : QObject(parent)
+    , cameraStore(new SqlCameraDatabaseConnection(nullptr))
     , configurationStore(new SqlConfigurationDatabaseConnection(nullptr))
+    , protocolStore(new SqlProtocolDatabaseConnection(mergeUserLevels, nullptr))
+    , roomStore(new SqlRoomDatabaseConnection(nullptr))
+    , settingsStore(new SqlSettingsDatabaseConnection(nullptr))
     , mergeUserLevels(mergeUserLevels)
 {
     // Early, so that a store used before initialize() reports through the facade too.
@@ -37,10 +45,10 @@ bool DatabaseConnection::setDependencies(ISqlConnection* applicationDatabase, IS
     // The stores in this order, each stopping the wiring on false: access,
     // camera, alarm, configuration, chamber, program, protocol, recording,
     // recordset, room, settings, user.
-    if (!configurationStore->setDependencies(configurationDatabase)) {
-        return false;
-    }
-    return true;
+    return cameraStore->setDependencies(applicationDatabase)
+           && configurationStore->setDependencies(configurationDatabase)
+           && protocolStore->setDependencies(applicationDatabase) && roomStore->setDependencies(applicationDatabase)
+           && settingsStore->setDependencies(applicationDatabase);
 }
 
 bool DatabaseConnection::areDependenciesSet() const
@@ -73,7 +81,15 @@ bool DatabaseConnection::isDatabaseVersionWrong() const
 void DatabaseConnection::connectSignals()
 {
     // In the order of the stores; a second call adds no second connection.
+    connect(cameraStore.data(), &SqlCameraDatabaseConnection::error, this, &DatabaseConnection::error,
+            Qt::UniqueConnection);
     connect(configurationStore.data(), &SqlConfigurationDatabaseConnection::error, this, &DatabaseConnection::error,
+            Qt::UniqueConnection);
+    connect(protocolStore.data(), &SqlProtocolDatabaseConnection::error, this, &DatabaseConnection::error,
+            Qt::UniqueConnection);
+    connect(roomStore.data(), &SqlRoomDatabaseConnection::error, this, &DatabaseConnection::error,
+            Qt::UniqueConnection);
+    connect(settingsStore.data(), &SqlSettingsDatabaseConnection::error, this, &DatabaseConnection::error,
             Qt::UniqueConnection);
 }
 
@@ -90,7 +106,7 @@ bool DatabaseConnection::initializeStores()
 {
     // In the order of the stores, stopping at the first false.
     const QList<IInitializing*> stores = {
-        configurationStore.data(),
+        cameraStore.data(), configurationStore.data(), protocolStore.data(), roomStore.data(), settingsStore.data(),
     };
     for (IInitializing* store : stores) {
         if (!store->initialize()) {
