@@ -1,0 +1,222 @@
+#include "Base/Connection/DatabaseConnection/SqlCameraDatabaseConnection.h"
+#include "Domain/Types/Camera.h"
+#include "Domain/Types/CameraId.h"
+#include "Domain/Types/RecordingId.h"
+#include "support/SampleCatalogue.h"
+#include "support/StoreFixture.h"
+#include "support/TestDatabase.h"
+
+#include <QLoggingCategory>
+#include <QtTest>
+
+#include <functional>
+#include <memory>
+
+using zelmor::base::connection::databaseconnection::SqlCameraDatabaseConnection;
+using zelmor::testsupport::errorCodes;
+using zelmor::testsupport::TestDatabase;
+using namespace zelmor::domain::types;
+
+using Store = SqlCameraDatabaseConnection;
+using Fixture = zelmor::testsupport::StoreFixture<Store>;
+using Operation = std::function<QString(Store&)>;
+Q_DECLARE_METATYPE(Operation)
+
+namespace {
+
+const QString projectKey = QLatin1String(TestDatabase::projectKey_);
+
+// Two recordings for the cameras to belong to.
+const QString recordings = QStringLiteral("INSERT INTO recording (id, recording_name) VALUES (4, 'R4'), (5, 'R5');");
+
+QString summary(const Camera& camera)
+{
+    return QStringLiteral("%1 '%2' '%3' recording %4 every %5")
+        .arg(int(camera.id))
+        .arg(camera.ipAddress.toString(), camera.usbPort)
+        .arg(int(camera.recordingId))
+        .arg(camera.recordingInterval);
+}
+
+QString summary(const QList<Camera>& cameras)
+{
+    QStringList texts;
+    for (const Camera& camera : cameras)
+        texts.append(summary(camera));
+    return texts.join(QStringLiteral(", "));
+}
+
+} // namespace
+
+class TestSqlCameraDatabaseConnection : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void writes_data();
+    void writes();
+    void badInput_data();
+    void badInput();
+
+private:
+    QString database(const QString& rows = QString());
+    QString shell(const QString& path, const QString& sql);
+
+    std::unique_ptr<TestDatabase> files;
+};
+
+void TestSqlCameraDatabaseConnection::initTestCase()
+{
+    qRegisterMetaType<DatabaseConnectionError>();
+    QLoggingCategory::setFilterRules(QStringLiteral("zelmor.*=false"));
+    files = std::make_unique<TestDatabase>();
+    QVERIFY(files->isValid());
+}
+
+QString TestSqlCameraDatabaseConnection::database(const QString& rows)
+{
+    static int count = 0;
+    const QString path = zelmor::testsupport::createApplicationDatabase(
+        *files, QStringLiteral("application%1.sqlite3").arg(++count), recordings + rows);
+    if (path.isEmpty())
+        qWarning() << files->lastError();
+    return path;
+}
+
+QString TestSqlCameraDatabaseConnection::shell(const QString& path, const QString& sql)
+{
+    const TestDatabase::ShellResult result = TestDatabase::runSqlcipher(path, projectKey, sql);
+    return result.ok ? result.output.trimmed() : QStringLiteral("<failed: %1>").arg(result.errorOutput);
+}
+
+void TestSqlCameraDatabaseConnection::writes_data()
+{
+    QTest::addColumn<Camera>("camera");
+    QTest::addColumn<QString>("stored"); // ip_v4_address|ip_v6_address|usb_port|recording_id|recording_interval
+    QTest::addColumn<QString>("read");
+
+    // Each camera's address in the column of its protocol; nothing is NULL.
+    QTest::newRow("network, IPv4") << Camera(0, QHostAddress("192.168.7.20"), QString(), 4, 30)
+                                   << "'192.168.7.20'|NULL|NULL|4|30" << "1 '192.168.7.20' '' recording 4 every 30";
+    QTest::newRow("network, IPv6") << Camera(0, QHostAddress("fe80::1"), QString(), 5, 5)
+                                   << "NULL|'fe80::1'|NULL|5|5" << "1 'fe80::1' '' recording 5 every 5";
+    QTest::newRow("USB") << Camera(0, QHostAddress(), "/dev/video0", 4, 0) << "NULL|NULL|'/dev/video0'|4|0"
+                         << "1 '' '/dev/video0' recording 4 every 0";
+}
+
+void TestSqlCameraDatabaseConnection::writes()
+{
+    QFETCH(Camera, camera);
+    QFETCH(QString, stored);
+    QFETCH(QString, read);
+
+    const QString path = database();
+    QVERIFY(!path.isEmpty());
+    Fixture fixture(path);
+    QVERIFY(fixture.opened && fixture.store.initialize());
+    Store& store = fixture.store;
+    QSignalSpy errors(&store, &Store::error);
+    const auto row = [&](int id) {
+        return shell(path, QStringLiteral("SELECT quote(ip_v4_address), quote(ip_v6_address), quote(usb_port), "
+                                          "quote(recording_id), quote(recording_interval) FROM camera WHERE id = %1;")
+                               .arg(id));
+    };
+
+    QVERIFY(store.addCamera(camera));
+    QCOMPARE(int(camera.id), 1);
+    QCOMPARE(row(1), stored);
+    const RecordingId recording = camera.recordingId;
+    QCOMPARE(summary(store.getCameras(recording)), read);
+
+    // A second camera of the other recording, then the first one changed to it.
+    Camera other(0, QHostAddress("10.0.0.1"), QString(), 4 + 5 - int(recording), 10);
+    QVERIFY(store.addCamera(other));
+    QCOMPARE(int(other.id), 2);
+    camera.recordingId = other.recordingId;
+    camera.recordingInterval = 60;
+    QVERIFY(store.updateCamera(camera));
+    QCOMPARE(store.getCameras(recording), QList<Camera>());
+    QCOMPARE(store.getCameras(other.recordingId), (QList<Camera>{camera, other}));
+
+    QVERIFY(store.deleteCamera(camera.id));
+    QCOMPARE(store.getCameras(other.recordingId), QList<Camera>{other});
+    QCOMPARE(row(1), QString());
+    QCOMPARE(errors.count(), 0);
+}
+
+void TestSqlCameraDatabaseConnection::badInput_data()
+{
+    QTest::addColumn<QString>("situation");
+    QTest::addColumn<Operation>("operation");
+    QTest::addColumn<QString>("result");
+    QTest::addColumn<QList<int>>("codes");
+
+    const auto row = [](const QByteArray& tag, const char* situation, Operation operation, const QString& result,
+                        const QList<int>& codes) {
+        QTest::newRow(tag.constData()) << QString(situation) << operation << result << codes;
+    };
+    const Operation initialize = [](Store& s) { return QString::number(s.initialize()); };
+    const Operation cameras = [](Store& s) { return summary(s.getCameras(4)); };
+    const Operation add = [](Store& s) {
+        Camera camera(0, QHostAddress("10.1.1.1"), QString(), 4, 1);
+        return QStringLiteral("%1 %2").arg(s.addCamera(camera)).arg(int(camera.id));
+    };
+    const Operation update = [](Store& s) { return QString::number(s.updateCamera(Camera(1, {}, "usb1", 4, 2))); };
+    const Operation remove = [](Store& s) { return QString::number(s.deleteCamera(1)); };
+
+    for (const char* situation : {"unwired", "wrong key"}) {
+        const QList<int> codes = QByteArray(situation) == "unwired" ? QList<int>{0} : QList<int>();
+        const QByteArray tag = QByteArray(situation) + ": ";
+        row(tag + "initialize", situation, initialize, "0", codes.isEmpty() ? QList<int>{4} : codes);
+        row(tag + "cameras", situation, cameras, "", codes);
+        row(tag + "add", situation, add, "0 0", codes);
+        row(tag + "update", situation, update, "0", codes);
+        row(tag + "delete", situation, remove, "0", codes);
+    }
+    row("no camera table: initialize", "no camera table", initialize, "0", {4});
+    // A recording that isn't there: refused by the key, nothing written.
+    row("unknown recording", "", [](Store& s) {
+        Camera camera(0, QHostAddress(), "usb2", 9, 1);
+        return QString::number(s.addCamera(camera));
+    }, "0", {});
+    // The second camera's row comes a column short: reported, the first one still read.
+    row("short row", "short row", cameras, "1 '10.0.0.9' '' recording 4 every 3", {8});
+}
+
+void TestSqlCameraDatabaseConnection::badInput()
+{
+    QFETCH(QString, situation);
+    QFETCH(Operation, operation);
+    QFETCH(QString, result);
+    QFETCH(QList<int>, codes);
+
+    const QString path = database(situation == "no camera table"
+                                      ? QStringLiteral("DROP TABLE camera;")
+                                      : QStringLiteral("INSERT INTO camera VALUES (1, '10.0.0.9', NULL, NULL, 4, 3),"
+                                                       " (2, NULL, NULL, 'usb0', 4, 4);"));
+    QVERIFY(!path.isEmpty());
+    const QString dump = shell(path, ".dump");
+    const QByteArray bytes = zelmor::testsupport::fileBytes(path);
+
+    Fixture fixture(path, situation == "wrong key" ? QStringLiteral("ffeeddccbbaa99887766554433221100") : projectKey);
+    QVERIFY(fixture.opened);
+    if (situation == "unwired")
+        QVERIFY(!fixture.store.setDependencies(nullptr));
+    if (situation == "short row") {
+        fixture.connection.marker = QStringLiteral("FROM camera");
+        fixture.connection.cutRow = 1;
+    }
+    QSignalSpy errors(&fixture.store, &Store::error);
+
+    QCOMPARE(operation(fixture.store), result);
+    QCOMPARE(errorCodes(errors), codes);
+    fixture.connection.closeDatabase();
+    QCOMPARE(shell(path, ".dump"), dump);
+    if (situation == "wrong key")
+        QCOMPARE(zelmor::testsupport::fileBytes(path), bytes);
+}
+
+QTEST_GUILESS_MAIN(TestSqlCameraDatabaseConnection)
+
+#include "tst_sqlcameradatabaseconnection.moc"
