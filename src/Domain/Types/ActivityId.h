@@ -7,7 +7,9 @@ namespace zelmor::domain::types {
 
 // One thing a user can do, as the access table keys it: a component and an
 // activity of that component. The enumerations are registered so that the
-// numbers of the database convert to them through QVariant::convert.
+// numbers of the database convert to them through QVariant::convert. A
+// converted component is read with value<ComponentId>(): toInt() reads a
+// one-byte enumeration signed, and GUI comes out as -1.
 class ActivityId
 {
     Q_GADGET
