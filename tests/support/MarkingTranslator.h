@@ -12,8 +12,6 @@ namespace zelmor::testsupport {
 //     QCOMPARE(type.toString(), QStringLiteral("[AlarmType] Programm-Ereignis"));
 class MarkingTranslator : public QTranslator
 {
-    Q_OBJECT
-
 public:
     MarkingTranslator();
     ~MarkingTranslator() override;
