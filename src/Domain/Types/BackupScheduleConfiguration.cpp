@@ -8,16 +8,22 @@ namespace {
 
 constexpr int daysInWeek = 7;
 
+// The moment at which the local clock shows the time on the date. The C library
+// resolves a reading that the clock shows twice by what it was asked before, so
+// both offsets around the date are tried here instead, the earlier moment first.
 QDateTime atLocalTime(const QDate& date, const QTime& time)
 {
-    const QDateTime result(date, time, Qt::LocalTime);
-    if (result.isValid()) {
-        return result;
+    const QDateTime reading(date, time, Qt::UTC);
+    const int offsetBefore = reading.addDays(-1).toLocalTime().offsetFromUtc();
+    const int offsetAfter = reading.addDays(1).toLocalTime().offsetFromUtc();
+    for (const int offset : {offsetBefore, offsetAfter}) {
+        const QDateTime moment = reading.addSecs(-offset).toLocalTime();
+        if (moment.date() == date && moment.time() == time) {
+            return moment;
+        }
     }
-    // The time lies in the hour skipped by the change to daylight saving time.
-    // Going a day forward from the day before keeps the clock's reading where it
-    // exists and moves it past the gap where it doesn't.
-    return QDateTime(date.addDays(-1), time, Qt::LocalTime).addDays(1);
+    // the clock skips the reading: as though it hadn't jumped yet
+    return reading.addSecs(-offsetBefore).toLocalTime();
 }
 
 QDate getDayOfMonth(int year, int month, int day)

@@ -47,7 +47,7 @@ public:
     //   day takes its last day.
     // A time that the clock skips on a change to daylight saving time is taken as
     // though the clock hadn't changed yet, which is as much later as the skip;
-    // a time the clock passes twice is the second pass. No time, a day out of
+    // a time the clock shows twice is due the first time. No time, a day out of
     // range or an unknown interval give an invalid QDateTime.
     QDateTime getNextBackupDate() const;
     QDateTime getNextBackupDate(const QDateTime& now) const;
