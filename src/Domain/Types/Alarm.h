@@ -10,6 +10,7 @@
 
 #include <QDateTime>
 #include <QList>
+#include <QMetaType>
 #include <QString>
 
 namespace zelmor::domain::types {
@@ -52,3 +53,5 @@ bool operator!=(const Alarm& left, const Alarm& right);
 bool operator<(const Alarm& left, const Alarm& right);
 
 } // namespace zelmor::domain::types
+
+Q_DECLARE_METATYPE(zelmor::domain::types::Alarm)

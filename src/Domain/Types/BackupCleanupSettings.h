@@ -29,3 +29,5 @@ bool operator==(const BackupCleanupSettings& left, const BackupCleanupSettings& 
 bool operator!=(const BackupCleanupSettings& left, const BackupCleanupSettings& right);
 
 } // namespace zelmor::domain::types
+
+Q_DECLARE_METATYPE(zelmor::domain::types::BackupCleanupSettings)

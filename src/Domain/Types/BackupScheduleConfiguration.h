@@ -3,6 +3,7 @@
 #include "Domain/Types/BackupInterval.h"
 
 #include <QDateTime>
+#include <QMetaType>
 #include <QString>
 #include <QTime>
 
@@ -70,3 +71,5 @@ bool operator==(const BackupScheduleConfiguration& left, const BackupScheduleCon
 bool operator!=(const BackupScheduleConfiguration& left, const BackupScheduleConfiguration& right);
 
 } // namespace zelmor::domain::types
+
+Q_DECLARE_METATYPE(zelmor::domain::types::BackupScheduleConfiguration)

@@ -4,6 +4,7 @@
 #include "Domain/Types/RecordingId.h"
 
 #include <QHostAddress>
+#include <QMetaType>
 #include <QString>
 
 namespace zelmor::domain::types {
@@ -28,3 +29,5 @@ bool operator==(const Camera& left, const Camera& right);
 bool operator!=(const Camera& left, const Camera& right);
 
 } // namespace zelmor::domain::types
+
+Q_DECLARE_METATYPE(zelmor::domain::types::Camera)

@@ -10,6 +10,7 @@
 #include "Domain/Types/RoomPosition.h"
 
 #include <QHostAddress>
+#include <QMetaType>
 #include <QSerialPort>
 #include <QString>
 
@@ -63,3 +64,5 @@ bool operator==(const ChamberData& left, const ChamberData& right);
 bool operator!=(const ChamberData& left, const ChamberData& right);
 
 } // namespace zelmor::domain::types
+
+Q_DECLARE_METATYPE(zelmor::domain::types::ChamberData)

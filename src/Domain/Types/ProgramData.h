@@ -7,6 +7,7 @@
 #include "Domain/Types/UserId.h"
 
 #include <QList>
+#include <QMetaType>
 #include <QString>
 
 namespace zelmor::domain::types {
@@ -42,3 +43,5 @@ bool operator==(const ProgramData& left, const ProgramData& right);
 bool operator!=(const ProgramData& left, const ProgramData& right);
 
 } // namespace zelmor::domain::types
+
+Q_DECLARE_METATYPE(zelmor::domain::types::ProgramData)

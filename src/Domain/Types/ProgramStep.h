@@ -3,6 +3,7 @@
 #include "Domain/Types/ProgramId.h"
 #include "Domain/Types/ProgramStepId.h"
 
+#include <QMetaType>
 #include <QVariant>
 
 namespace zelmor::domain::types {
@@ -43,3 +44,5 @@ bool operator==(const ProgramStep& left, const ProgramStep& right);
 bool operator!=(const ProgramStep& left, const ProgramStep& right);
 
 } // namespace zelmor::domain::types
+
+Q_DECLARE_METATYPE(zelmor::domain::types::ProgramStep)

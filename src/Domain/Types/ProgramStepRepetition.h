@@ -4,6 +4,8 @@
 #include "Domain/Types/ProgramStepId.h"
 #include "Domain/Types/ProgramStepRepetitionId.h"
 
+#include <QMetaType>
+
 namespace zelmor::domain::types {
 
 // A run of steps of one program, from a start step to an end step, done again a
@@ -27,3 +29,5 @@ bool operator==(const ProgramStepRepetition& left, const ProgramStepRepetition& 
 bool operator!=(const ProgramStepRepetition& left, const ProgramStepRepetition& right);
 
 } // namespace zelmor::domain::types
+
+Q_DECLARE_METATYPE(zelmor::domain::types::ProgramStepRepetition)

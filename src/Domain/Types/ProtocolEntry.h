@@ -4,6 +4,7 @@
 
 #include <QDateTime>
 #include <QList>
+#include <QMetaType>
 #include <QString>
 #include <QVariant>
 
@@ -41,3 +42,5 @@ bool operator==(const ProtocolEntry& left, const ProtocolEntry& right);
 bool operator!=(const ProtocolEntry& left, const ProtocolEntry& right);
 
 } // namespace zelmor::domain::types
+
+Q_DECLARE_METATYPE(zelmor::domain::types::ProtocolEntry)

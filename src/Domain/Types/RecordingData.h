@@ -9,6 +9,7 @@
 #include <QDateTime>
 #include <QList>
 #include <QMap>
+#include <QMetaType>
 #include <QString>
 
 namespace zelmor::domain::api {
@@ -89,3 +90,5 @@ bool operator==(const RecordingData& left, const RecordingData& right);
 bool operator!=(const RecordingData& left, const RecordingData& right);
 
 } // namespace zelmor::domain::types
+
+Q_DECLARE_METATYPE(zelmor::domain::types::RecordingData)

@@ -10,6 +10,7 @@
 
 #include <QDateTime>
 #include <QList>
+#include <QMetaType>
 #include <QString>
 
 namespace zelmor::domain::types {
@@ -46,3 +47,5 @@ bool operator==(const Recordset& left, const Recordset& right);
 bool operator!=(const Recordset& left, const Recordset& right);
 
 } // namespace zelmor::domain::types
+
+Q_DECLARE_METATYPE(zelmor::domain::types::Recordset)

@@ -4,6 +4,7 @@
 #include "Domain/Types/UserId.h"
 
 #include <QDateTime>
+#include <QMetaType>
 #include <QString>
 
 namespace zelmor::domain::types {
@@ -29,3 +30,5 @@ bool operator==(const RecordsetComment& left, const RecordsetComment& right);
 bool operator!=(const RecordsetComment& left, const RecordsetComment& right);
 
 } // namespace zelmor::domain::types
+
+Q_DECLARE_METATYPE(zelmor::domain::types::RecordsetComment)

@@ -3,6 +3,7 @@
 #include "Domain/Types/FileFormat.h"
 
 #include <QLocale>
+#include <QMetaType>
 #include <QSharedPointer>
 #include <QString>
 
@@ -73,3 +74,5 @@ bool operator==(const ReportConfiguration& left, const ReportConfiguration& righ
 bool operator!=(const ReportConfiguration& left, const ReportConfiguration& right);
 
 } // namespace zelmor::domain::types
+
+Q_DECLARE_METATYPE(zelmor::domain::types::ReportConfiguration)

@@ -4,6 +4,7 @@
 #include "Domain/Types/RoomId.h"
 
 #include <QList>
+#include <QMetaType>
 #include <QString>
 #include <QUrl>
 
@@ -31,3 +32,5 @@ bool operator==(const Room& left, const Room& right);
 bool operator!=(const Room& left, const Room& right);
 
 } // namespace zelmor::domain::types
+
+Q_DECLARE_METATYPE(zelmor::domain::types::Room)

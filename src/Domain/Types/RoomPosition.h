@@ -2,6 +2,7 @@
 
 #include "Domain/Types/RoomId.h"
 
+#include <QMetaType>
 #include <QPointF>
 
 namespace zelmor::domain::types {
@@ -26,3 +27,5 @@ bool operator==(const RoomPosition& left, const RoomPosition& right);
 bool operator!=(const RoomPosition& left, const RoomPosition& right);
 
 } // namespace zelmor::domain::types
+
+Q_DECLARE_METATYPE(zelmor::domain::types::RoomPosition)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QMetaType>
 
 namespace zelmor::domain::types {
 
@@ -22,3 +23,5 @@ bool operator==(const SecurityQuestionAnswer& left, const SecurityQuestionAnswer
 bool operator!=(const SecurityQuestionAnswer& left, const SecurityQuestionAnswer& right);
 
 } // namespace zelmor::domain::types
+
+Q_DECLARE_METATYPE(zelmor::domain::types::SecurityQuestionAnswer)

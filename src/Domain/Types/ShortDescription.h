@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QList>
+#include <QMetaType>
 #include <QString>
 #include <QVariant>
 
@@ -26,3 +27,5 @@ bool operator==(const ShortDescription& left, const ShortDescription& right);
 bool operator!=(const ShortDescription& left, const ShortDescription& right);
 
 } // namespace zelmor::domain::types
+
+Q_DECLARE_METATYPE(zelmor::domain::types::ShortDescription)

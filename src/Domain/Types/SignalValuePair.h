@@ -4,6 +4,7 @@
 #include "Domain/Types/Unit.h"
 #include "Domain/Types/UnitValue.h"
 
+#include <QMetaType>
 #include <QSharedPointer>
 #include <QVariant>
 
@@ -52,3 +53,5 @@ bool operator==(const SignalValuePair& left, const SignalValuePair& right);
 bool operator!=(const SignalValuePair& left, const SignalValuePair& right);
 
 } // namespace zelmor::domain::types
+
+Q_DECLARE_METATYPE(zelmor::domain::types::SignalValuePair)

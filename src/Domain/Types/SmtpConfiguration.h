@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMetaType>
 #include <QString>
 #include <QtGlobal>
 
@@ -27,3 +28,5 @@ bool operator==(const SmtpConfiguration& left, const SmtpConfiguration& right);
 bool operator!=(const SmtpConfiguration& left, const SmtpConfiguration& right);
 
 } // namespace zelmor::domain::types
+
+Q_DECLARE_METATYPE(zelmor::domain::types::SmtpConfiguration)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDateTime>
+#include <QMetaType>
 
 namespace zelmor::domain::types {
 
@@ -25,3 +26,5 @@ bool operator==(const TimeSpan& left, const TimeSpan& right);
 bool operator!=(const TimeSpan& left, const TimeSpan& right);
 
 } // namespace zelmor::domain::types
+
+Q_DECLARE_METATYPE(zelmor::domain::types::TimeSpan)

@@ -6,6 +6,7 @@
 #include <QByteArray>
 #include <QDateTime>
 #include <QMap>
+#include <QMetaType>
 #include <QSharedPointer>
 #include <QString>
 
@@ -58,3 +59,5 @@ bool operator==(const UserData& left, const UserData& right);
 bool operator!=(const UserData& left, const UserData& right);
 
 } // namespace zelmor::domain::types
+
+Q_DECLARE_METATYPE(zelmor::domain::types::UserData)

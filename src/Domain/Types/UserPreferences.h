@@ -5,6 +5,7 @@
 
 #include <QChar>
 #include <QLocale>
+#include <QMetaType>
 #include <QSharedPointer>
 #include <QString>
 
@@ -45,3 +46,5 @@ bool operator==(const UserPreferences& left, const UserPreferences& right);
 bool operator!=(const UserPreferences& left, const UserPreferences& right);
 
 } // namespace zelmor::domain::types
+
+Q_DECLARE_METATYPE(zelmor::domain::types::UserPreferences)

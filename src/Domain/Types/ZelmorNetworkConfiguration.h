@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QHostAddress>
+#include <QMetaType>
 #include <QtGlobal>
 
 namespace zelmor::domain::types {
@@ -25,3 +26,5 @@ bool operator==(const ZelmorNetworkConfiguration& left, const ZelmorNetworkConfi
 bool operator!=(const ZelmorNetworkConfiguration& left, const ZelmorNetworkConfiguration& right);
 
 } // namespace zelmor::domain::types
+
+Q_DECLARE_METATYPE(zelmor::domain::types::ZelmorNetworkConfiguration)
