@@ -116,11 +116,11 @@ void TestSqlProtocolDatabaseConnection::arguments()
     QList<QVariant> ten;
     for (int index = 1; index <= 10; ++index)
         ten.append(QStringLiteral("a%1").arg(index));
-    ten[4] = QString(); // an empty argument is NULL, and reads back empty
+    ten[4] = QLatin1String(""); // an empty argument is NULL, and reads back empty
     ten[5] = 42;        // kept as the text it is shown as
     QVERIFY(store.addProtocolEntry(ProtocolEntry(march(8), "Started", {}, 1)));
     QVERIFY(store.addProtocolEntry(ProtocolEntry(march(9), "Chamber %1 renamed", {"tr(Lab)"}, 2)));
-    QVERIFY(store.addProtocolEntry(ProtocolEntry(march(10), QString(), ten, 3)));
+    QVERIFY(store.addProtocolEntry(ProtocolEntry(march(10), QLatin1String(""), ten, 3)));
 
     // Times in UTC, NULL for the empty description and the arguments not in use.
     QCOMPARE(shell(path, "SELECT id, creation_time, quote(event_description), user_id, num_args, quote(arg_1), "

@@ -36,7 +36,7 @@ QString summary(const Room& room)
     QStringList placed;
     for (const ChamberId& chamber : room.chamberIds)
         placed.append(QString::number(int(chamber)));
-    return QStringLiteral("%1 '%2' %3 x%4 [%5]")
+    return QStringLiteral("%1 '%2' <%3> x%4 [%5]")
         .arg(int(room.id))
         .arg(room.name, room.image.toString())
         .arg(room.scale)
@@ -121,7 +121,7 @@ void TestSqlRoomDatabaseConnection::rooms()
     QSignalSpy errors(&store, &Store::error);
 
     Room lab(0, "Lab", QUrl::fromLocalFile("/srv/plans/lab 1.png"), 2.5f);
-    Room store2;
+    Room store2(0, QLatin1String(""), QUrl(), 1.0f);
     QVERIFY(store.addRoom(lab));
     QVERIFY(store.addRoom(store2));
     QCOMPARE(int(lab.id), 1);
@@ -133,7 +133,7 @@ void TestSqlRoomDatabaseConnection::rooms()
     QVERIFY(store.setRoomPosition(3, RoomPosition(1, QPointF(0.25, 4))));
     QVERIFY(store.setRoomPosition(1, RoomPosition(1, QPointF(1, 1))));
     QCOMPARE(summary(store.getAllRooms()),
-             QStringLiteral("1 'Lab' file:///srv/plans/lab 1.png x2.5 [1 3], 2 '' x1 []"));
+             QStringLiteral("1 'Lab' <file:///srv/plans/lab 1.png> x2.5 [1 3], 2 '' <> x1 []"));
     QCOMPARE(store.getRoomImagePath(1), QUrl::fromLocalFile("/srv/plans/lab 1.png"));
     QCOMPARE(store.getRoomImagePath(2), QUrl());
     QCOMPARE(store.getRoomImagePath(9), QUrl());
@@ -142,7 +142,7 @@ void TestSqlRoomDatabaseConnection::rooms()
     lab.image = QUrl("qrc:/plans/lab.svg");
     lab.scale = 0.5f;
     QVERIFY(store.updateRoom(lab));
-    QCOMPARE(summary(store.getAllRooms().value(0)), QStringLiteral("1 'Lab 2' qrc:/plans/lab.svg x0.5 [1 3]"));
+    QCOMPARE(summary(store.getAllRooms().value(0)), QStringLiteral("1 'Lab 2' <qrc:/plans/lab.svg> x0.5 [1 3]"));
 
     // A room with chambers in it stays; an empty one goes.
     QVERIFY(!store.deleteRoom(1));
