@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/Connection/DatabaseConnection/DatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqliteConnection.h"
 #include "Domain/Api/ISqlQuery.h"
 #include "Domain/Types/DatabaseConnectionError.h"
@@ -50,10 +51,10 @@ public:
 //
 //     StoreFixture<SqlRoomDatabaseConnection> fixture(path);
 //     QVERIFY(fixture.opened && fixture.store.initialize());
-template <typename Store>
+template<typename Store>
 struct StoreFixture
 {
-    template <typename... Arguments>
+    template<typename... Arguments>
     explicit StoreFixture(const QString& file, const QString& key = QLatin1String(TestDatabase::projectKey_),
                           Arguments&&... arguments)
         : connection(QStringLiteral("store_fixture_%1").arg(++count()))
@@ -82,6 +83,30 @@ inline QList<int> errorCodes(const QSignalSpy& spy)
         codes.append(int(arguments.at(0).value<zelmor::domain::types::DatabaseConnectionError>()));
     }
     return codes;
+}
+
+// An application database of version 19 whose tables are only those that the
+// facade's creation functions build: the older core, as initialize() leaves a
+// file without them. Returns the path, or an empty text.
+inline QString createByInitialize(TestDatabase& database, const QString& fileName)
+{
+    const QString path =
+        database.createEncrypted(fileName, QStringLiteral("CREATE TABLE database_version_info (version INTEGER);"
+                                                          "INSERT INTO database_version_info VALUES (19);"));
+    if (path.isEmpty()) {
+        return QString();
+    }
+    zelmor::base::connection::databaseconnection::SqliteConnection connection(QStringLiteral("created_") + fileName);
+    zelmor::base::connection::databaseconnection::DatabaseConnection facade(false);
+    if (!connection.openDatabase(path, QString(), QString(), QLatin1String(TestDatabase::projectKey_))
+        || !facade.setDependencies(&connection, &connection)) {
+        return QString();
+    }
+    // Fails after the creation, at the first store whose table no function builds.
+    facade.initialize();
+    const bool created = connection.containsTable(facade.lookupUserPreferencesTableName());
+    connection.closeDatabase();
+    return created ? path : QString();
 }
 
 // The whole file, to tell that a failing store left it as it was.

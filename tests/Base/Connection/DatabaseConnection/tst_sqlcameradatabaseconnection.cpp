@@ -98,9 +98,10 @@ void TestSqlCameraDatabaseConnection::writes_data()
 
     // Each camera's address in the column of its protocol; nothing is NULL.
     QTest::newRow("network, IPv4") << Camera(0, QHostAddress("192.168.7.20"), QString(), 4, 30)
-                                   << "'192.168.7.20'|NULL|NULL|4|30" << "1 '192.168.7.20' '' recording 4 every 30";
-    QTest::newRow("network, IPv6") << Camera(0, QHostAddress("fe80::1"), QString(), 5, 5)
-                                   << "NULL|'fe80::1'|NULL|5|5" << "1 'fe80::1' '' recording 5 every 5";
+                                   << "'192.168.7.20'|NULL|NULL|4|30"
+                                   << "1 '192.168.7.20' '' recording 4 every 30";
+    QTest::newRow("network, IPv6") << Camera(0, QHostAddress("fe80::1"), QString(), 5, 5) << "NULL|'fe80::1'|NULL|5|5"
+                                   << "1 'fe80::1' '' recording 5 every 5";
     QTest::newRow("USB") << Camera(0, QHostAddress(), "/dev/video0", 4, 0) << "NULL|NULL|'/dev/video0'|4|0"
                          << "1 '' '/dev/video0' recording 4 every 0";
 }
@@ -176,10 +177,12 @@ void TestSqlCameraDatabaseConnection::badInput_data()
     }
     row("no camera table: initialize", "no camera table", initialize, "0", {4});
     // A recording that isn't there: refused by the key, nothing written.
-    row("unknown recording", "", [](Store& s) {
-        Camera camera(0, QHostAddress(), "usb2", 9, 1);
-        return QString::number(s.addCamera(camera));
-    }, "0", {});
+    row("unknown recording", "",
+        [](Store& s) {
+            Camera camera(0, QHostAddress(), "usb2", 9, 1);
+            return QString::number(s.addCamera(camera));
+        },
+        "0", {});
     // The second camera's row comes a column short: reported, the first one still read.
     row("short row", "short row", cameras, "1 '10.0.0.9' '' recording 4 every 3", {8});
 }

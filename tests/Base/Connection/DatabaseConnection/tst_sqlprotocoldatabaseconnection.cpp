@@ -117,7 +117,7 @@ void TestSqlProtocolDatabaseConnection::arguments()
     for (int index = 1; index <= 10; ++index)
         ten.append(QStringLiteral("a%1").arg(index));
     ten[4] = QLatin1String(""); // an empty argument is NULL, and reads back empty
-    ten[5] = 42;        // kept as the text it is shown as
+    ten[5] = 42;                // kept as the text it is shown as
     QVERIFY(store.addProtocolEntry(ProtocolEntry(march(8), "Started", {}, 1)));
     QVERIFY(store.addProtocolEntry(ProtocolEntry(march(9), "Chamber %1 renamed", {"tr(Lab)"}, 2)));
     QVERIFY(store.addProtocolEntry(ProtocolEntry(march(10), QLatin1String(""), ten, 3)));
@@ -182,11 +182,11 @@ void TestSqlProtocolDatabaseConnection::reads()
     QFETCH(QString, entries);
 
     // Written by the shell in UTC, in another order than time's.
-    const QString path = database(
-        "INSERT INTO log_entry (id, creation_time, event_description, user_id, num_args) VALUES "
-        "(1, '2024-03-01T11:00:00.000Z', 'e', 1, 0), (2, '2024-03-01T07:00:00.000Z', 'e', 1, 0), "
-        "(3, '2024-03-01T08:00:00.000Z', 'e', 2, 0), (4, '2024-03-01T10:00:00.000Z', 'e', 4, 0), "
-        "(5, '2024-03-01T09:00:00.000Z', 'e', 3, 0);");
+    const QString path =
+        database("INSERT INTO log_entry (id, creation_time, event_description, user_id, num_args) VALUES "
+                 "(1, '2024-03-01T11:00:00.000Z', 'e', 1, 0), (2, '2024-03-01T07:00:00.000Z', 'e', 1, 0), "
+                 "(3, '2024-03-01T08:00:00.000Z', 'e', 2, 0), (4, '2024-03-01T10:00:00.000Z', 'e', 4, 0), "
+                 "(5, '2024-03-01T09:00:00.000Z', 'e', 3, 0);");
     QVERIFY(!path.isEmpty());
     Fixture fixture(path, projectKey, mergeUserLevels);
     QVERIFY(fixture.opened && fixture.store.initialize());

@@ -53,7 +53,10 @@ QString summary(const QList<Room>& rooms)
 
 QString summary(const RoomPosition& position)
 {
-    return QStringLiteral("room %1 at %2/%3").arg(int(position.roomId)).arg(position.position.x()).arg(position.position.y());
+    return QStringLiteral("room %1 at %2/%3")
+        .arg(int(position.roomId))
+        .arg(position.position.x())
+        .arg(position.position.y());
 }
 
 QString ids(const QList<ChamberId>& chambers)
@@ -73,6 +76,7 @@ class TestSqlRoomDatabaseConnection : public QObject
 private slots:
     void initTestCase();
     void rooms();
+    void positions_data();
     void positions();
     void badInput_data();
     void badInput();
@@ -151,9 +155,29 @@ void TestSqlRoomDatabaseConnection::rooms()
     QCOMPARE(errors.count(), 0);
 }
 
+void TestSqlRoomDatabaseConnection::positions_data()
+{
+    QTest::addColumn<bool>("delivered");
+
+    // The room tables are among those the creation functions build.
+    QTest::newRow("delivered") << true;
+    QTest::newRow("made by initialize") << false;
+}
+
 void TestSqlRoomDatabaseConnection::positions()
 {
-    const QString path = database("INSERT INTO room (id, room_name) VALUES (1, 'Lab'), (2, 'Hall');");
+    QFETCH(bool, delivered);
+
+    const QString rooms = QStringLiteral("INSERT INTO room (id, room_name) VALUES (1, 'Lab'), (2, 'Hall');");
+    QString path;
+    if (delivered) {
+        path = database(rooms);
+    } else {
+        static int count = 0;
+        path = zelmor::testsupport::createByInitialize(*files, QStringLiteral("created%1.sqlite3").arg(++count));
+        QVERIFY(!path.isEmpty());
+        QVERIFY(!shell(path, chambers + rooms).startsWith(QLatin1String("<failed")));
+    }
     QVERIFY(!path.isEmpty());
     Fixture fixture(path);
     QVERIFY(fixture.opened && fixture.store.initialize());
@@ -242,11 +266,10 @@ void TestSqlRoomDatabaseConnection::badInput()
     QFETCH(QString, result);
     QFETCH(QList<int>, codes);
 
-    const QString path =
-        database(situation == "no room table"
-                     ? QStringLiteral("DROP TABLE room_chamber_position; DROP TABLE room;")
-                     : QStringLiteral("INSERT INTO room (id, room_name) VALUES (1, 'Lab'), (2, 'Hall');"
-                                      "INSERT INTO room_chamber_position VALUES (3, 1, 0.5, 0.5);"));
+    const QString path = database(
+        situation == "no room table" ? QStringLiteral("DROP TABLE room_chamber_position; DROP TABLE room;")
+                                     : QStringLiteral("INSERT INTO room (id, room_name) VALUES (1, 'Lab'), (2, 'Hall');"
+                                                      "INSERT INTO room_chamber_position VALUES (3, 1, 0.5, 0.5);"));
     QVERIFY(!path.isEmpty());
     const QString dump = shell(path, ".dump");
     const QByteArray bytes = zelmor::testsupport::fileBytes(path);

@@ -66,7 +66,7 @@ QString summary(const BackupCleanupSettings& c)
     return QStringLiteral("keep %1 %2").arg(c.keepStrategy).arg(c.numberToKeep);
 }
 
-template <typename Configuration>
+template<typename Configuration>
 QString address(const Configuration& c)
 {
     return QStringLiteral("'%1' port %2").arg(c.address.toString()).arg(c.port);
@@ -135,6 +135,7 @@ class TestSqlSettingsDatabaseConnection : public QObject
 private slots:
     void initTestCase();
     void newRow();
+    void databaseMadeByInitialize();
     void writes_data();
     void writes();
     void mailRecipients();
@@ -197,6 +198,30 @@ void TestSqlSettingsDatabaseConnection::newRow()
     QCOMPARE(errors.count(), 0);
 }
 
+// The older settings table of the creation function: the row is made as in a
+// delivered database, the settings it has work, those it lacks read their
+// defaults and can't be written.
+void TestSqlSettingsDatabaseConnection::databaseMadeByInitialize()
+{
+    const QString path = zelmor::testsupport::createByInitialize(*files, QStringLiteral("created.sqlite3"));
+    QVERIFY(!path.isEmpty());
+    Fixture fixture(path);
+    QVERIFY(fixture.opened);
+    Store& store = fixture.store;
+    QSignalSpy errors(&store, &Store::error);
+
+    QVERIFY(store.initialize());
+    QCOMPARE(shell(path, "SELECT * FROM global_settings;"), QStringLiteral("1|||||||"));
+    QCOMPARE(store.getQuickRecordingSecondsInterval(), 60);
+    QCOMPARE(store.getAllowedNumberOfFailedLogins(), 3);
+    QVERIFY(store.setQuickRecordingSecondsInterval(20));
+    QCOMPARE(store.getQuickRecordingSecondsInterval(), 20);
+    QVERIFY(!store.setAllowedNumberOfFailedLogins(9));
+    QCOMPARE(store.getAllowedNumberOfFailedLogins(), 3);
+    QCOMPARE(shell(path, "SELECT * FROM global_settings;"), QStringLiteral("1||||||20|"));
+    QCOMPARE(errors.count(), 0);
+}
+
 void TestSqlSettingsDatabaseConnection::writes_data()
 {
     QTest::addColumn<Write>("write");
@@ -223,8 +248,8 @@ void TestSqlSettingsDatabaseConnection::writes_data()
         "resumption", [](Store& s) { return s.setRecordingResumptionOnStartupEnabled(true); }, 2, "1",
         "resume_recordings_on_startup", "1");
     row(
-        "access control off", [](Store& s) { return s.setAccessControlActive(false); }, 3, "0",
-        "access_control_active", "0");
+        "access control off", [](Store& s) { return s.setAccessControlActive(false); }, 3, "0", "access_control_active",
+        "0");
     row(
         "security questions", [](Store& s) { return s.setSecurityQuestionsActive(true); }, 4, "1",
         "security_questions_active", "1");
@@ -246,7 +271,9 @@ void TestSqlSettingsDatabaseConnection::writes_data()
                                                                 FileFormat(1), "R_", "/srv/reports", "", 2, "Lab",
                                                                 "/srv/mark.png", 0x85, "Draft"));
         },
-        8, "interval 2 language 42 format 1 'R_' '/srv/reports' logo '' at 2 'Lab' mark '/srv/mark.png' chapters 133 'Draft'",
+        8,
+        "interval 2 language 42 format 1 'R_' '/srv/reports' logo '' at 2 'Lab' mark '/srv/mark.png' chapters 133 "
+        "'Draft'",
         "report_creation_interval, report_language, report_file_format, report_file_prefix, report_file_path, "
         "report_header_logo_path, report_header_logo_position, report_header_title, report_watermark_path, "
         "report_enabled_chapters, report_watermark_text",
@@ -258,8 +285,8 @@ void TestSqlSettingsDatabaseConnection::writes_data()
         "alarm repetition interval", [](Store& s) { return s.setAlarmRepetitionIntervalInSeconds(120); }, 10, "120",
         "event_repetition_interval", "120");
     row(
-        "pre-alarm delay", [](Store& s) { return s.setPreAlarmDelayInSeconds(45); }, 11, "45",
-        "prealarm_seconds_delay", "45");
+        "pre-alarm delay", [](Store& s) { return s.setPreAlarmDelayInSeconds(45); }, 11, "45", "prealarm_seconds_delay",
+        "45");
     row(
         "backup schedule",
         [](Store& s) {
@@ -279,7 +306,9 @@ void TestSqlSettingsDatabaseConnection::writes_data()
         "backup_time_of_day, backup_interval, backup_day_of_x, backup_path, backup_password", "NULL|0|0|NULL|NULL");
     row(
         "backup cleanup",
-        [](Store& s) { return s.setBackupCleanupSettings(BackupCleanupSettings(BackupCleanupSettings::KEEP_N_DAYS, 14)); },
+        [](Store& s) {
+            return s.setBackupCleanupSettings(BackupCleanupSettings(BackupCleanupSettings::KEEP_N_DAYS, 14));
+        },
         13, "keep 2 14", "backup_keep_strategy, backup_keep_num", "2|14");
     row(
         "failed logins", [](Store& s) { return s.setAllowedNumberOfFailedLogins(5); }, 14, "5",
@@ -293,8 +322,8 @@ void TestSqlSettingsDatabaseConnection::writes_data()
         15, "'192.168.1.5' port 0", "zelmor_ip_address, zelmor_port", "'192.168.1.5'|0");
     row(
         "zelmor connection without an address",
-        [](Store& s) { return s.setZelmorNetworkConfiguration(ZelmorNetworkConfiguration(QHostAddress(), 4000)); },
-        15, "'' port 4000", "zelmor_ip_address, zelmor_port", "NULL|4000");
+        [](Store& s) { return s.setZelmorNetworkConfiguration(ZelmorNetworkConfiguration(QHostAddress(), 4000)); }, 15,
+        "'' port 4000", "zelmor_ip_address, zelmor_port", "NULL|4000");
     row(
         "zelmor attempts", [](Store& s) { return s.setZelmorNumConnectionAttempts(9); }, 16, "9",
         "zelmor_num_connection_attempts", "9");
@@ -414,11 +443,11 @@ void TestSqlSettingsDatabaseConnection::badInput()
     QFETCH(QString, result);
     QFETCH(QList<int>, codes);
 
-    const QString path = database(situation == "no settings table" ? QStringLiteral("DROP TABLE global_settings;")
-                                  : situation == "no row"
-                                      ? QString()
-                                      : QStringLiteral("INSERT INTO global_settings (id, smtp_server, smtp_port) "
-                                                       "VALUES (1, 'mail', 25);"));
+    const QString path =
+        database(situation == "no settings table" ? QStringLiteral("DROP TABLE global_settings;")
+                 : situation == "no row"          ? QString()
+                                         : QStringLiteral("INSERT INTO global_settings (id, smtp_server, smtp_port) "
+                                                          "VALUES (1, 'mail', 25);"));
     QVERIFY(!path.isEmpty());
     const QString dump = shell(path, ".dump");
     const QByteArray bytes = zelmor::testsupport::fileBytes(path);
