@@ -18,6 +18,7 @@
 #include "Domain/Types/ZelmorNetworkConfiguration.h"
 #include "support/LogCapture.h"
 #include "support/SampleCatalogue.h"
+#include "support/StoreFixture.h"
 #include "support/TestDatabase.h"
 
 #include <QCoreApplication>
@@ -33,6 +34,7 @@ using zelmor::base::connection::databaseconnection::DatabaseConnection;
 using zelmor::base::connection::databaseconnection::SqliteConnection;
 using zelmor::domain::api::ISqlQuery;
 using namespace zelmor::domain::types;
+using zelmor::testsupport::errorCodes;
 using zelmor::testsupport::LogCapture;
 using zelmor::testsupport::TestDatabase;
 
@@ -138,14 +140,6 @@ const QString smallCatalogue = QStringLiteral(
     "INSERT INTO chamber_type (id, type, developement_state, size, controller_id) VALUES (5, 'HX', 'Z6', 60, 1);"
     "INSERT INTO signal (id, name, unit) VALUES (7, 'Temperature', '% r.F.');"
     "INSERT INTO chamber_type_has_signal (chamber_type_id, signal_id) VALUES (5, 7);");
-
-QList<int> codesOf(const QSignalSpy& spy)
-{
-    QList<int> codes;
-    for (const QList<QVariant>& arguments : spy)
-        codes.append(int(arguments.at(0).value<DatabaseConnectionError>()));
-    return codes;
-}
 
 QString uniqueConnectionName()
 {
@@ -374,7 +368,7 @@ void TestDatabaseConnection::initialize()
 
     QCOMPARE(setup.facade.initialize(), passes);
     QCOMPARE(setup.facade.isDatabaseVersionWrong(), versionWrong);
-    QCOMPARE(codesOf(spy), errors);
+    QCOMPARE(errorCodes(spy), errors);
     QCOMPARE(tableNames(setup.application.executed), created);
     QCOMPARE(tablesOf(setup.applicationPath), before + storedTables(setup.application.executed));
     if (!passes)
@@ -580,7 +574,7 @@ void TestDatabaseConnection::setDependencies()
     QVERIFY(!setup.facade.initialize());
     QVERIFY(!setup.facade.isDatabaseVersionWrong());
     QCOMPARE(setup.application.executed, QStringList());
-    QCOMPARE(codesOf(errors), (QList<int>{0, 0, 0, 0, 0}));
+    QCOMPARE(errorCodes(errors), (QList<int>{0, 0, 0, 0, 0}));
 }
 
 void TestDatabaseConnection::catalogueThroughTheFacade()
@@ -602,7 +596,7 @@ void TestDatabaseConnection::catalogueThroughTheFacade()
     QVERIFY(setup.facade.getChamberSignal(999).isNull());
     QVERIFY(setup.facade.initialize() && setup.facade.initialize());
     QVERIFY(setup.facade.getChamberSignal(999).isNull());
-    QCOMPARE(codesOf(errors), (QList<int>{8, 8}));
+    QCOMPARE(errorCodes(errors), (QList<int>{8, 8}));
 }
 
 // Every operation of the log, room, camera and settings stores once, each

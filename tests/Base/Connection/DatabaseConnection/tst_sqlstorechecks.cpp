@@ -2,6 +2,7 @@
 #include "Base/Connection/DatabaseConnection/SqliteConnection.h"
 #include "Domain/Types/DatabaseConnectionError.h"
 #include "support/LogCapture.h"
+#include "support/StoreFixture.h"
 #include "support/TestDatabase.h"
 
 #include <QLoggingCategory>
@@ -10,20 +11,13 @@
 using zelmor::base::connection::databaseconnection::SqliteConnection;
 using zelmor::base::connection::databaseconnection::SqlStoreChecks;
 using zelmor::domain::types::DatabaseConnectionError;
+using zelmor::testsupport::errorCodes;
 using zelmor::testsupport::LogCapture;
 using zelmor::testsupport::TestDatabase;
 
 namespace {
 
 Q_LOGGING_CATEGORY(SMALLSTORE, "zelmor.SmallStore")
-
-QList<int> codesOf(const QSignalSpy& spy)
-{
-    QList<int> codes;
-    for (const QList<QVariant>& arguments : spy)
-        codes.append(int(arguments.at(0).value<DatabaseConnectionError>()));
-    return codes;
-}
 
 } // namespace
 
@@ -76,7 +70,7 @@ void TestSqlStoreChecks::dependencies()
     // Asked at each test, not once at construction.
     store.wired = true;
     QVERIFY(store.checks.hasDependencies("getRooms"));
-    QCOMPARE(codesOf(errors), QList<int>{0});
+    QCOMPARE(errorCodes(errors), QList<int>{0});
 }
 
 void TestSqlStoreChecks::tables_data()
@@ -115,7 +109,7 @@ void TestSqlStoreChecks::tables()
     LogCapture capture(QStringLiteral("zelmor.SmallStore"));
     QCOMPARE(store.checks.hasTables(connection, tables), found);
     QCOMPARE(capture.texts(), log);
-    QCOMPARE(codesOf(errors), found ? QList<int>() : QList<int>{4});
+    QCOMPARE(errorCodes(errors), found ? QList<int>() : QList<int>{4});
 }
 
 void TestSqlStoreChecks::width()
@@ -130,7 +124,7 @@ void TestSqlStoreChecks::width()
     QCOMPARE(log.texts(), (QStringList{"warning: parseRoom got a row of 2 columns instead of 3",
                                        "warning: getRoomPosition got a row of 0 columns instead of 1",
                                        "warning: getRoom 2 rooms of id 5"}));
-    QCOMPARE(codesOf(errors), (QList<int>{8, 8, 8}));
+    QCOMPARE(errorCodes(errors), (QList<int>{8, 8, 8}));
 }
 
 QTEST_GUILESS_MAIN(TestSqlStoreChecks)
