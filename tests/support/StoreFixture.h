@@ -4,6 +4,7 @@
 #include "Base/Connection/DatabaseConnection/SqliteConnection.h"
 #include "Domain/Api/ISqlQuery.h"
 #include "Domain/Types/DatabaseConnectionError.h"
+#include "support/SampleCatalogue.h"
 #include "support/TestDatabase.h"
 
 #include <QByteArray>
@@ -12,7 +13,10 @@
 #include <QSignalSpy>
 #include <QString>
 #include <QVariant>
+#include <QtTest>
 
+#include <functional>
+#include <memory>
 #include <utility>
 
 // Header only: the helpers need the persistence layer, which the support
@@ -114,6 +118,83 @@ inline QByteArray fileBytes(const QString& path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// The files of a store test: delivered application databases, each with the
+// rows that all of the test's files have and those of the one file, and the
+// sqlcipher shell to look into them.
+class ApplicationFiles
+{
+public:
+    explicit ApplicationFiles(const QString& commonRows = QString())
+        : commonRows_(commonRows)
+    {
+    }
+
+    bool isValid() const { return database_->isValid(); }
+    TestDatabase& database() { return *database_; }
+
+    // A new file; an empty text when the shell failed (it says why).
+    QString create(const QString& rows = QString())
+    {
+        const QString path = createApplicationDatabase(
+            *database_, QStringLiteral("application%1.sqlite3").arg(++count_), commonRows_ + rows);
+        if (path.isEmpty()) {
+            qWarning() << database_->lastError();
+        }
+        return path;
+    }
+
+    // The shell's output with the project key, rows one per line, or the failure.
+    static QString shell(const QString& path, const QString& sql)
+    {
+        const TestDatabase::ShellResult result =
+            TestDatabase::runSqlcipher(path, QLatin1String(TestDatabase::projectKey_), sql);
+        return result.ok ? result.output.trimmed() : QStringLiteral("<failed: %1>").arg(result.errorOutput);
+    }
+
+private:
+    std::unique_ptr<TestDatabase> database_ = std::make_unique<TestDatabase>();
+    QString commonRows_;
+    int count_ = 0;
+};
+
+// One operation of a store in a situation that must fail cleanly:
+// - "unwired": the store has no connection;
+// - "wrong key": the file is opened with another key;
+// - any other: the file as it is, and rows of statements whose text holds the
+//   marker come a column short (all rows, or only the one at cutRow).
+// Compares the operation's result and the store's error codes, and checks that
+// nothing in the file changed; a file opened with a wrong key keeps its bytes.
+template<typename Store, typename... Arguments>
+void checkFailure(const QString& path, const QString& situation, const QString& marker, int cutRow,
+                  const std::function<QString(Store&)>& operation, const QString& result, const QList<int>& codes,
+                  Arguments&&... arguments)
+{
+    const QString dump = ApplicationFiles::shell(path, QStringLiteral(".dump"));
+    const QByteArray bytes = fileBytes(path);
+    {
+        StoreFixture<Store> fixture(path,
+                                    situation == QLatin1String("wrong key")
+                                        ? QStringLiteral("ffeeddccbbaa99887766554433221100")
+                                        : QLatin1String(TestDatabase::projectKey_),
+                                    std::forward<Arguments>(arguments)...);
+        QVERIFY(fixture.opened);
+        if (situation == QLatin1String("unwired")) {
+            QVERIFY(!fixture.store.setDependencies(nullptr));
+        }
+        fixture.connection.marker = marker;
+        fixture.connection.cutRow = cutRow;
+        QSignalSpy errors(&fixture.store, &Store::error);
+
+        QCOMPARE(operation(fixture.store), result);
+        QCOMPARE(errorCodes(errors), codes);
+        fixture.connection.closeDatabase();
+    }
+    QCOMPARE(ApplicationFiles::shell(path, QStringLiteral(".dump")), dump);
+    if (situation == QLatin1String("wrong key")) {
+        QCOMPARE(fileBytes(path), bytes);
+    }
 }
 
 } // namespace zelmor::testsupport

@@ -10,7 +10,6 @@
 #include <QtTest>
 
 #include <functional>
-#include <memory>
 
 using zelmor::base::connection::databaseconnection::SqlCameraDatabaseConnection;
 using zelmor::testsupport::errorCodes;
@@ -23,8 +22,6 @@ using Operation = std::function<QString(Store&)>;
 Q_DECLARE_METATYPE(Operation)
 
 namespace {
-
-const QString projectKey = QLatin1String(TestDatabase::projectKey_);
 
 // Two recordings for the cameras to belong to.
 const QString recordings = QStringLiteral("INSERT INTO recording (id, recording_name) VALUES (4, 'R4'), (5, 'R5');");
@@ -60,34 +57,14 @@ private slots:
     void badInput();
 
 private:
-    QString database(const QString& rows = QString());
-    QString shell(const QString& path, const QString& sql);
-
-    std::unique_ptr<TestDatabase> files;
+    zelmor::testsupport::ApplicationFiles files{recordings};
 };
 
 void TestSqlCameraDatabaseConnection::initTestCase()
 {
     qRegisterMetaType<DatabaseConnectionError>();
     QLoggingCategory::setFilterRules(QStringLiteral("zelmor.*=false"));
-    files = std::make_unique<TestDatabase>();
-    QVERIFY(files->isValid());
-}
-
-QString TestSqlCameraDatabaseConnection::database(const QString& rows)
-{
-    static int count = 0;
-    const QString path = zelmor::testsupport::createApplicationDatabase(
-        *files, QStringLiteral("application%1.sqlite3").arg(++count), recordings + rows);
-    if (path.isEmpty())
-        qWarning() << files->lastError();
-    return path;
-}
-
-QString TestSqlCameraDatabaseConnection::shell(const QString& path, const QString& sql)
-{
-    const TestDatabase::ShellResult result = TestDatabase::runSqlcipher(path, projectKey, sql);
-    return result.ok ? result.output.trimmed() : QStringLiteral("<failed: %1>").arg(result.errorOutput);
+    QVERIFY(files.isValid());
 }
 
 void TestSqlCameraDatabaseConnection::writes_data()
@@ -112,14 +89,15 @@ void TestSqlCameraDatabaseConnection::writes()
     QFETCH(QString, stored);
     QFETCH(QString, read);
 
-    const QString path = database();
+    const QString path = files.create();
     QVERIFY(!path.isEmpty());
     Fixture fixture(path);
     QVERIFY(fixture.opened && fixture.store.initialize());
     Store& store = fixture.store;
     QSignalSpy errors(&store, &Store::error);
     const auto row = [&](int id) {
-        return shell(path, QStringLiteral("SELECT quote(ip_v4_address), quote(ip_v6_address), quote(usb_port), "
+        return files.shell(path,
+                           QStringLiteral("SELECT quote(ip_v4_address), quote(ip_v6_address), quote(usb_port), "
                                           "quote(recording_id), quote(recording_interval) FROM camera WHERE id = %1;")
                                .arg(id));
     };
@@ -194,30 +172,14 @@ void TestSqlCameraDatabaseConnection::badInput()
     QFETCH(QString, result);
     QFETCH(QList<int>, codes);
 
-    const QString path = database(situation == "no camera table"
-                                      ? QStringLiteral("DROP TABLE camera;")
-                                      : QStringLiteral("INSERT INTO camera VALUES (1, '10.0.0.9', NULL, NULL, 4, 3),"
-                                                       " (2, NULL, NULL, 'usb0', 4, 4);"));
+    const QString path = files.create(
+        situation == "no camera table" ? QStringLiteral("DROP TABLE camera;")
+                                       : QStringLiteral("INSERT INTO camera VALUES (1, '10.0.0.9', NULL, NULL, 4, 3),"
+                                                        " (2, NULL, NULL, 'usb0', 4, 4);"));
     QVERIFY(!path.isEmpty());
-    const QString dump = shell(path, ".dump");
-    const QByteArray bytes = zelmor::testsupport::fileBytes(path);
-
-    Fixture fixture(path, situation == "wrong key" ? QStringLiteral("ffeeddccbbaa99887766554433221100") : projectKey);
-    QVERIFY(fixture.opened);
-    if (situation == "unwired")
-        QVERIFY(!fixture.store.setDependencies(nullptr));
-    if (situation == "short row") {
-        fixture.connection.marker = QStringLiteral("FROM camera");
-        fixture.connection.cutRow = 1;
-    }
-    QSignalSpy errors(&fixture.store, &Store::error);
-
-    QCOMPARE(operation(fixture.store), result);
-    QCOMPARE(errorCodes(errors), codes);
-    fixture.connection.closeDatabase();
-    QCOMPARE(shell(path, ".dump"), dump);
-    if (situation == "wrong key")
-        QCOMPARE(zelmor::testsupport::fileBytes(path), bytes);
+    // In the short row, the second camera's row comes a column short.
+    zelmor::testsupport::checkFailure<Store>(path, situation, situation == "short row" ? "FROM camera" : "", 1,
+                                             operation, result, codes);
 }
 
 QTEST_GUILESS_MAIN(TestSqlCameraDatabaseConnection)

@@ -11,7 +11,6 @@
 
 #include <ctime>
 #include <functional>
-#include <memory>
 
 using zelmor::base::connection::databaseconnection::SqlProtocolDatabaseConnection;
 using zelmor::testsupport::errorCodes;
@@ -71,42 +70,22 @@ private slots:
     void badInput();
 
 private:
-    QString database(const QString& rows = QString());
-    QString shell(const QString& path, const QString& sql);
-
-    std::unique_ptr<TestDatabase> files;
+    zelmor::testsupport::ApplicationFiles files{users};
 };
 
 void TestSqlProtocolDatabaseConnection::initTestCase()
 {
     qRegisterMetaType<DatabaseConnectionError>();
     QLoggingCategory::setFilterRules(QStringLiteral("zelmor.*=false"));
-    files = std::make_unique<TestDatabase>();
-    QVERIFY(files->isValid());
+    QVERIFY(files.isValid());
     QCOMPARE(march(10).offsetFromUtc(), 3600);
-}
-
-QString TestSqlProtocolDatabaseConnection::database(const QString& rows)
-{
-    static int count = 0;
-    const QString path = zelmor::testsupport::createApplicationDatabase(
-        *files, QStringLiteral("application%1.sqlite3").arg(++count), users + rows);
-    if (path.isEmpty())
-        qWarning() << files->lastError();
-    return path;
-}
-
-QString TestSqlProtocolDatabaseConnection::shell(const QString& path, const QString& sql)
-{
-    const TestDatabase::ShellResult result = TestDatabase::runSqlcipher(path, projectKey, sql);
-    return result.ok ? result.output.trimmed() : QStringLiteral("<failed: %1>").arg(result.errorOutput);
 }
 
 // Entries of 0, 1 and 10 arguments written and read back, through the store
 // and through the shell.
 void TestSqlProtocolDatabaseConnection::arguments()
 {
-    const QString path = database();
+    const QString path = files.create();
     QVERIFY(!path.isEmpty());
     Fixture fixture(path, projectKey, false);
     QVERIFY(fixture.opened && fixture.store.initialize());
@@ -123,8 +102,8 @@ void TestSqlProtocolDatabaseConnection::arguments()
     QVERIFY(store.addProtocolEntry(ProtocolEntry(march(10), QLatin1String(""), ten, 3)));
 
     // Times in UTC, NULL for the empty description and the arguments not in use.
-    QCOMPARE(shell(path, "SELECT id, creation_time, quote(event_description), user_id, num_args, quote(arg_1), "
-                         "quote(arg_2), quote(arg_5), quote(arg_6), quote(arg_10) FROM log_entry ORDER BY id;"),
+    QCOMPARE(files.shell(path, "SELECT id, creation_time, quote(event_description), user_id, num_args, quote(arg_1), "
+                               "quote(arg_2), quote(arg_5), quote(arg_6), quote(arg_10) FROM log_entry ORDER BY id;"),
              QStringLiteral("1|2024-03-01T07:00:00.000Z|'Started'|1|0|NULL|NULL|NULL|NULL|NULL\n"
                             "2|2024-03-01T08:00:00.000Z|'Chamber %1 renamed'|2|1|'tr(Lab)'|NULL|NULL|NULL|NULL\n"
                             "3|2024-03-01T09:00:00.000Z|NULL|3|10|'a1'|'a2'|NULL|'42'|'a10'"));
@@ -139,7 +118,7 @@ void TestSqlProtocolDatabaseConnection::arguments()
     // An eleventh argument has no column: the entry isn't written.
     ten.append("a11");
     QVERIFY(!store.addProtocolEntry(ProtocolEntry(march(11), "Too many", ten, 1)));
-    QCOMPARE(shell(path, "SELECT count(*) FROM log_entry;"), QStringLiteral("3"));
+    QCOMPARE(files.shell(path, "SELECT count(*) FROM log_entry;"), QStringLiteral("3"));
     QCOMPARE(errors.count(), 0);
 }
 
@@ -183,10 +162,10 @@ void TestSqlProtocolDatabaseConnection::reads()
 
     // Written by the shell in UTC, in another order than time's.
     const QString path =
-        database("INSERT INTO log_entry (id, creation_time, event_description, user_id, num_args) VALUES "
-                 "(1, '2024-03-01T11:00:00.000Z', 'e', 1, 0), (2, '2024-03-01T07:00:00.000Z', 'e', 1, 0), "
-                 "(3, '2024-03-01T08:00:00.000Z', 'e', 2, 0), (4, '2024-03-01T10:00:00.000Z', 'e', 4, 0), "
-                 "(5, '2024-03-01T09:00:00.000Z', 'e', 3, 0);");
+        files.create("INSERT INTO log_entry (id, creation_time, event_description, user_id, num_args) VALUES "
+                     "(1, '2024-03-01T11:00:00.000Z', 'e', 1, 0), (2, '2024-03-01T07:00:00.000Z', 'e', 1, 0), "
+                     "(3, '2024-03-01T08:00:00.000Z', 'e', 2, 0), (4, '2024-03-01T10:00:00.000Z', 'e', 4, 0), "
+                     "(5, '2024-03-01T09:00:00.000Z', 'e', 3, 0);");
     QVERIFY(!path.isEmpty());
     Fixture fixture(path, projectKey, mergeUserLevels);
     QVERIFY(fixture.opened && fixture.store.initialize());
@@ -239,34 +218,17 @@ void TestSqlProtocolDatabaseConnection::badInput()
     QFETCH(QString, result);
     QFETCH(QList<int>, codes);
 
-    const QString path = database(situation == "no log table"
-                                      ? QStringLiteral("DROP TABLE log_entry;")
-                                      : QStringLiteral("INSERT INTO log_entry (creation_time, event_description, "
-                                                       "user_id, num_args) VALUES "
-                                                       "('2024-03-01T07:00:00.000Z', 'first', 1, 0), "
-                                                       "('2024-03-01T08:00:00.000Z', 'second', 2, 0), "
-                                                       "('2024-03-01T09:00:00.000Z', 'third', 3, 0);"));
+    const QString path = files.create(situation == "no log table"
+                                          ? QStringLiteral("DROP TABLE log_entry;")
+                                          : QStringLiteral("INSERT INTO log_entry (creation_time, event_description, "
+                                                           "user_id, num_args) VALUES "
+                                                           "('2024-03-01T07:00:00.000Z', 'first', 1, 0), "
+                                                           "('2024-03-01T08:00:00.000Z', 'second', 2, 0), "
+                                                           "('2024-03-01T09:00:00.000Z', 'third', 3, 0);"));
     QVERIFY(!path.isEmpty());
-    const QString dump = shell(path, ".dump");
-    const QByteArray bytes = zelmor::testsupport::fileBytes(path);
-
-    Fixture fixture(path, situation == "wrong key" ? QStringLiteral("ffeeddccbbaa99887766554433221100") : projectKey,
-                    false);
-    QVERIFY(fixture.opened);
-    if (situation == "unwired")
-        QVERIFY(!fixture.store.setDependencies(nullptr));
-    if (situation == "short row") {
-        fixture.connection.marker = QStringLiteral("FROM log_entry");
-        fixture.connection.cutRow = 1;
-    }
-    QSignalSpy errors(&fixture.store, &Store::error);
-
-    QCOMPARE(operation(fixture.store), result);
-    QCOMPARE(errorCodes(errors), codes);
-    fixture.connection.closeDatabase();
-    QCOMPARE(shell(path, ".dump"), dump);
-    if (situation == "wrong key")
-        QCOMPARE(zelmor::testsupport::fileBytes(path), bytes);
+    // In the short row, the second entry comes a column short.
+    zelmor::testsupport::checkFailure<Store>(path, situation, situation == "short row" ? "FROM log_entry" : "", 1,
+                                             operation, result, codes, false);
 }
 
 int main(int argc, char** argv)

@@ -11,7 +11,6 @@
 #include <QtTest>
 
 #include <functional>
-#include <memory>
 
 using zelmor::base::connection::databaseconnection::SqlRoomDatabaseConnection;
 using zelmor::testsupport::CuttingConnection;
@@ -25,8 +24,6 @@ using Operation = std::function<QString(Store&)>;
 Q_DECLARE_METATYPE(Operation)
 
 namespace {
-
-const QString projectKey = QLatin1String(TestDatabase::projectKey_);
 
 // Chambers to place; rooms come through the store.
 const QString chambers = QStringLiteral("INSERT INTO chamber (id, chamber_name) VALUES (1, 'A'), (2, 'B'), (3, 'C');");
@@ -82,12 +79,7 @@ private slots:
     void badInput();
 
 private:
-    // A delivered application database with the three chambers and the rows given.
-    QString database(const QString& rows = QString());
-    // The shell's answer on the file, rows one per line.
-    QString shell(const QString& path, const QString& sql);
-
-    std::unique_ptr<TestDatabase> files;
+    zelmor::testsupport::ApplicationFiles files{chambers};
 };
 
 void TestSqlRoomDatabaseConnection::initTestCase()
@@ -95,29 +87,12 @@ void TestSqlRoomDatabaseConnection::initTestCase()
     qRegisterMetaType<DatabaseConnectionError>();
     // The failures are counted through the signals.
     QLoggingCategory::setFilterRules(QStringLiteral("zelmor.*=false"));
-    files = std::make_unique<TestDatabase>();
-    QVERIFY(files->isValid());
-}
-
-QString TestSqlRoomDatabaseConnection::database(const QString& rows)
-{
-    static int count = 0;
-    const QString path = zelmor::testsupport::createApplicationDatabase(
-        *files, QStringLiteral("application%1.sqlite3").arg(++count), chambers + rows);
-    if (path.isEmpty())
-        qWarning() << files->lastError();
-    return path;
-}
-
-QString TestSqlRoomDatabaseConnection::shell(const QString& path, const QString& sql)
-{
-    const TestDatabase::ShellResult result = TestDatabase::runSqlcipher(path, projectKey, sql);
-    return result.ok ? result.output.trimmed() : QStringLiteral("<failed: %1>").arg(result.errorOutput);
+    QVERIFY(files.isValid());
 }
 
 void TestSqlRoomDatabaseConnection::rooms()
 {
-    const QString path = database();
+    const QString path = files.create();
     QVERIFY(!path.isEmpty());
     Fixture fixture(path);
     QVERIFY(fixture.opened && fixture.store.initialize());
@@ -131,7 +106,7 @@ void TestSqlRoomDatabaseConnection::rooms()
     QCOMPARE(int(lab.id), 1);
     QCOMPARE(int(store2.id), 2);
     // An empty name and no floor plan are NULL; the plan is kept as its URL.
-    QCOMPARE(shell(path, "SELECT id, quote(room_name), quote(image_path), image_scale FROM room ORDER BY id;"),
+    QCOMPARE(files.shell(path, "SELECT id, quote(room_name), quote(image_path), image_scale FROM room ORDER BY id;"),
              QStringLiteral("1|'Lab'|'file:///srv/plans/lab 1.png'|2.5\n2|NULL|NULL|1.0"));
 
     QVERIFY(store.setRoomPosition(3, RoomPosition(1, QPointF(0.25, 4))));
@@ -151,7 +126,7 @@ void TestSqlRoomDatabaseConnection::rooms()
     // A room with chambers in it stays; an empty one goes.
     QVERIFY(!store.deleteRoom(1));
     QVERIFY(store.deleteRoom(2));
-    QCOMPARE(shell(path, "SELECT group_concat(id) FROM room;"), QStringLiteral("1"));
+    QCOMPARE(files.shell(path, "SELECT group_concat(id) FROM room;"), QStringLiteral("1"));
     QCOMPARE(errors.count(), 0);
 }
 
@@ -171,12 +146,13 @@ void TestSqlRoomDatabaseConnection::positions()
     const QString rooms = QStringLiteral("INSERT INTO room (id, room_name) VALUES (1, 'Lab'), (2, 'Hall');");
     QString path;
     if (delivered) {
-        path = database(rooms);
+        path = files.create(rooms);
     } else {
         static int count = 0;
-        path = zelmor::testsupport::createByInitialize(*files, QStringLiteral("created%1.sqlite3").arg(++count));
+        path =
+            zelmor::testsupport::createByInitialize(files.database(), QStringLiteral("created%1.sqlite3").arg(++count));
         QVERIFY(!path.isEmpty());
-        QVERIFY(!shell(path, chambers + rooms).startsWith(QLatin1String("<failed")));
+        QVERIFY(!files.shell(path, chambers + rooms).startsWith(QLatin1String("<failed")));
     }
     QVERIFY(!path.isEmpty());
     Fixture fixture(path);
@@ -185,8 +161,8 @@ void TestSqlRoomDatabaseConnection::positions()
     QSignalSpy errors(&store, &Store::error);
 
     const auto rows = [&] {
-        return shell(path, "SELECT chamber_id, room_id, chamber_pos_x, chamber_pos_y FROM room_chamber_position "
-                           "ORDER BY chamber_id;");
+        return files.shell(path, "SELECT chamber_id, room_id, chamber_pos_x, chamber_pos_y FROM room_chamber_position "
+                                 "ORDER BY chamber_id;");
     };
     // Not placed: a position without a room.
     QCOMPARE(summary(store.getRoomPosition(2)), QStringLiteral("room 0 at 0/0"));
@@ -266,28 +242,12 @@ void TestSqlRoomDatabaseConnection::badInput()
     QFETCH(QString, result);
     QFETCH(QList<int>, codes);
 
-    const QString path = database(
+    const QString path = files.create(
         situation == "no room table" ? QStringLiteral("DROP TABLE room_chamber_position; DROP TABLE room;")
                                      : QStringLiteral("INSERT INTO room (id, room_name) VALUES (1, 'Lab'), (2, 'Hall');"
                                                       "INSERT INTO room_chamber_position VALUES (3, 1, 0.5, 0.5);"));
     QVERIFY(!path.isEmpty());
-    const QString dump = shell(path, ".dump");
-    const QByteArray bytes = zelmor::testsupport::fileBytes(path);
-
-    Fixture fixture(path, situation == "wrong key" ? QStringLiteral("ffeeddccbbaa99887766554433221100") : projectKey);
-    QVERIFY(fixture.opened);
-    if (situation == "unwired")
-        QVERIFY(!fixture.store.setDependencies(nullptr));
-    fixture.connection.marker = marker;
-    QSignalSpy errors(&fixture.store, &Store::error);
-
-    QCOMPARE(operation(fixture.store), result);
-    QCOMPARE(errorCodes(errors), codes);
-    fixture.connection.closeDatabase();
-    // Nothing was created or written; a file that can't be read is not touched at all.
-    QCOMPARE(shell(path, ".dump"), dump);
-    if (situation == "wrong key")
-        QCOMPARE(zelmor::testsupport::fileBytes(path), bytes);
+    zelmor::testsupport::checkFailure<Store>(path, situation, marker, -1, operation, result, codes);
 }
 
 int main(int argc, char** argv)

@@ -13,7 +13,6 @@
 #include <QtTest>
 
 #include <functional>
-#include <memory>
 
 using zelmor::base::connection::databaseconnection::SqlSettingsDatabaseConnection;
 using zelmor::testsupport::errorCodes;
@@ -28,8 +27,6 @@ Q_DECLARE_METATYPE(Operation)
 Q_DECLARE_METATYPE(Write)
 
 namespace {
-
-const QString projectKey = QLatin1String(TestDatabase::projectKey_);
 
 QString summary(const SmtpConfiguration& c)
 {
@@ -143,41 +140,21 @@ private slots:
     void badInput();
 
 private:
-    QString database(const QString& rows = QString());
-    QString shell(const QString& path, const QString& sql);
-
-    std::unique_ptr<TestDatabase> files;
+    zelmor::testsupport::ApplicationFiles files{QString()};
 };
 
 void TestSqlSettingsDatabaseConnection::initTestCase()
 {
     qRegisterMetaType<DatabaseConnectionError>();
     QLoggingCategory::setFilterRules(QStringLiteral("zelmor.*=false"));
-    files = std::make_unique<TestDatabase>();
-    QVERIFY(files->isValid());
-}
-
-QString TestSqlSettingsDatabaseConnection::database(const QString& rows)
-{
-    static int count = 0;
-    const QString path = zelmor::testsupport::createApplicationDatabase(
-        *files, QStringLiteral("application%1.sqlite3").arg(++count), rows);
-    if (path.isEmpty())
-        qWarning() << files->lastError();
-    return path;
-}
-
-QString TestSqlSettingsDatabaseConnection::shell(const QString& path, const QString& sql)
-{
-    const TestDatabase::ShellResult result = TestDatabase::runSqlcipher(path, projectKey, sql);
-    return result.ok ? result.output.trimmed() : QStringLiteral("<failed: %1>").arg(result.errorOutput);
+    QVERIFY(files.isValid());
 }
 
 void TestSqlSettingsDatabaseConnection::newRow()
 {
-    const QString path = database();
+    const QString path = files.create();
     QVERIFY(!path.isEmpty());
-    QCOMPARE(shell(path, "SELECT count(*) FROM global_settings;"), QStringLiteral("0"));
+    QCOMPARE(files.shell(path, "SELECT count(*) FROM global_settings;"), QStringLiteral("0"));
     Fixture fixture(path);
     QVERIFY(fixture.opened);
     Store& store = fixture.store;
@@ -185,15 +162,15 @@ void TestSqlSettingsDatabaseConnection::newRow()
 
     // initialize makes the row, all but its id NULL, and the getters read the defaults.
     QVERIFY(store.initialize());
-    QCOMPARE(shell(path, "SELECT * FROM global_settings;"), QStringLiteral("1") + QString(44, QLatin1Char('|')));
+    QCOMPARE(files.shell(path, "SELECT * FROM global_settings;"), QStringLiteral("1") + QString(44, QLatin1Char('|')));
     QCOMPARE(allSettings(store), defaults.join(QStringLiteral(" | ")));
 
     // A second initialize leaves the row as it stands.
     QVERIFY(store.setQuickRecordingSecondsInterval(15));
     QVERIFY(store.setZelmorNetworkConfiguration(ZelmorNetworkConfiguration(QHostAddress("10.0.0.2"), 0)));
-    const QString row = shell(path, "SELECT * FROM global_settings;");
+    const QString row = files.shell(path, "SELECT * FROM global_settings;");
     QVERIFY(store.initialize());
-    QCOMPARE(shell(path, "SELECT * FROM global_settings;"), row);
+    QCOMPARE(files.shell(path, "SELECT * FROM global_settings;"), row);
     QCOMPARE(store.getQuickRecordingSecondsInterval(), 15);
     QCOMPARE(errors.count(), 0);
 }
@@ -203,7 +180,7 @@ void TestSqlSettingsDatabaseConnection::newRow()
 // defaults and can't be written.
 void TestSqlSettingsDatabaseConnection::databaseMadeByInitialize()
 {
-    const QString path = zelmor::testsupport::createByInitialize(*files, QStringLiteral("created.sqlite3"));
+    const QString path = zelmor::testsupport::createByInitialize(files.database(), QStringLiteral("created.sqlite3"));
     QVERIFY(!path.isEmpty());
     Fixture fixture(path);
     QVERIFY(fixture.opened);
@@ -211,14 +188,14 @@ void TestSqlSettingsDatabaseConnection::databaseMadeByInitialize()
     QSignalSpy errors(&store, &Store::error);
 
     QVERIFY(store.initialize());
-    QCOMPARE(shell(path, "SELECT * FROM global_settings;"), QStringLiteral("1|||||||"));
+    QCOMPARE(files.shell(path, "SELECT * FROM global_settings;"), QStringLiteral("1|||||||"));
     QCOMPARE(store.getQuickRecordingSecondsInterval(), 60);
     QCOMPARE(store.getAllowedNumberOfFailedLogins(), 3);
     QVERIFY(store.setQuickRecordingSecondsInterval(20));
     QCOMPARE(store.getQuickRecordingSecondsInterval(), 20);
     QVERIFY(!store.setAllowedNumberOfFailedLogins(9));
     QCOMPARE(store.getAllowedNumberOfFailedLogins(), 3);
-    QCOMPARE(shell(path, "SELECT * FROM global_settings;"), QStringLiteral("1||||||20|"));
+    QCOMPARE(files.shell(path, "SELECT * FROM global_settings;"), QStringLiteral("1||||||20|"));
     QCOMPARE(errors.count(), 0);
 }
 
@@ -350,7 +327,7 @@ void TestSqlSettingsDatabaseConnection::writes()
     QFETCH(QString, columns);
     QFETCH(QString, stored);
 
-    const QString path = database();
+    const QString path = files.create();
     QVERIFY(!path.isEmpty());
     Fixture fixture(path);
     QVERIFY(fixture.opened && fixture.store.initialize());
@@ -363,13 +340,13 @@ void TestSqlSettingsDatabaseConnection::writes()
     QCOMPARE(allSettings(fixture.store), expected.join(QStringLiteral(" | ")));
     QString quoted = columns;
     quoted.replace(QRegularExpression(QStringLiteral("(\\w+)")), QStringLiteral("quote(\\1)"));
-    QCOMPARE(shell(path, QStringLiteral("SELECT %1 FROM global_settings WHERE id = 1;").arg(quoted)), stored);
+    QCOMPARE(files.shell(path, QStringLiteral("SELECT %1 FROM global_settings WHERE id = 1;").arg(quoted)), stored);
     QCOMPARE(errors.count(), 0);
 }
 
 void TestSqlSettingsDatabaseConnection::mailRecipients()
 {
-    const QString path = database();
+    const QString path = files.create();
     QVERIFY(!path.isEmpty());
     Fixture fixture(path);
     QVERIFY(fixture.opened && fixture.store.initialize());
@@ -388,7 +365,7 @@ void TestSqlSettingsDatabaseConnection::mailRecipients()
 
     QVERIFY(store.deleteMailAddressFromRecipients("lab@example.org"));
     QVERIFY(store.deleteMailAddressFromRecipients("nobody@example.org"));
-    QCOMPARE(shell(path, "SELECT id, mail_address FROM mail_recipient;"), QStringLiteral("2|night@example.org"));
+    QCOMPARE(files.shell(path, "SELECT id, mail_address FROM mail_recipient;"), QStringLiteral("2|night@example.org"));
     QCOMPARE(errors.count(), 0);
 }
 
@@ -443,29 +420,14 @@ void TestSqlSettingsDatabaseConnection::badInput()
     QFETCH(QString, result);
     QFETCH(QList<int>, codes);
 
-    const QString path =
-        database(situation == "no settings table" ? QStringLiteral("DROP TABLE global_settings;")
-                 : situation == "no row"          ? QString()
-                                         : QStringLiteral("INSERT INTO global_settings (id, smtp_server, smtp_port) "
-                                                          "VALUES (1, 'mail', 25);"));
+    const QString path = files.create(
+        situation == "no settings table" ? QStringLiteral("DROP TABLE global_settings;")
+        : situation == "no row"
+            ? QString()
+            : QStringLiteral("INSERT INTO global_settings (id, smtp_server, smtp_port) VALUES (1, 'mail', 25);"));
     QVERIFY(!path.isEmpty());
-    const QString dump = shell(path, ".dump");
-    const QByteArray bytes = zelmor::testsupport::fileBytes(path);
-
-    Fixture fixture(path, situation == "wrong key" ? QStringLiteral("ffeeddccbbaa99887766554433221100") : projectKey);
-    QVERIFY(fixture.opened);
-    if (situation == "unwired")
-        QVERIFY(!fixture.store.setDependencies(nullptr));
-    if (situation == "short row")
-        fixture.connection.marker = QStringLiteral("smtp_sender FROM");
-    QSignalSpy errors(&fixture.store, &Store::error);
-
-    QCOMPARE(operation(fixture.store), result);
-    QCOMPARE(errorCodes(errors), codes);
-    fixture.connection.closeDatabase();
-    QCOMPARE(shell(path, ".dump"), dump);
-    if (situation == "wrong key")
-        QCOMPARE(zelmor::testsupport::fileBytes(path), bytes);
+    zelmor::testsupport::checkFailure<Store>(path, situation, situation == "short row" ? "smtp_sender FROM" : "", -1,
+                                             operation, result, codes);
 }
 
 QTEST_GUILESS_MAIN(TestSqlSettingsDatabaseConnection)
