@@ -13,7 +13,8 @@
 --     of time;
 --   * flags are BOOLEAN (0 or 1), enumerations INTEGER, texts TEXT, hashes and
 --     salts BLOB;
---   * the time of day of the backup is TEXT ("02:30:00.000");
+--   * the time of day of the backup is TEXT ("02:30:00.000"), the enabled
+--     report chapters one bit each in an INTEGER;
 --   * argument columns ("arg_%1", "short_desc_arg_%1") are TEXT: arguments are
 --     filled into a text when shown.
 -- "Nothing" is NULL throughout: an empty text, an id of 0, a number of -1.

@@ -22,6 +22,7 @@ namespace zelmor::base::connection::databaseconnection {
 // value that doesn't convert gives the conversion's zero. Times are kept in UTC
 // in the database and come back in local time. The width test belongs to the
 // caller (SqlStoreChecks::hasWidth); a position past the row's end reads NULL.
+// A plain value that touches no connection: rows may be decoded on any thread.
 class SqlRow
 {
 public:
