@@ -5,9 +5,10 @@
 // As the floor, the same rows are read in a handful of joined SELECTs through
 // the sqlcipher C API on the same file.
 //
-//     bench_catalogue [types] [signals per type] [rounds] [exclusive]
+//     bench_catalogue [types] [signals per type] [rounds] [exclusive|transaction]
 //     (defaults 500, 40, 3; "exclusive" sets the engine's exclusive locking
-//     mode on the store's connection first)
+//     mode on the store's connection first, "transaction" reads inside one
+//     read transaction, as the tool does while it builds a fleet)
 
 #include "Base/Connection/DatabaseConnection/SqlConfigurationDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqliteConnection.h"
@@ -441,6 +442,12 @@ int main(int argc, char** argv)
             return 1;
         }
     }
+    // "transaction": the same shared lock, held only until the reads are done.
+    const bool inTransaction = argc > 4 && qstrcmp(argv[4], "transaction") == 0;
+    if (inTransaction && !connection.getDatabase().transaction()) {
+        out << "no read transaction\n";
+        return 1;
+    }
     CountingConnection counting(connection);
     SqlConfigurationDatabaseConnection store;
     store.setDependencies(&counting);
@@ -490,7 +497,11 @@ int main(int argc, char** argv)
 
     out << "Chamber type catalogue: " << types << " types x " << signalsPerType << " signals, "
         << QFileInfo(file).size() / 1024 << " KiB, generated in " << QString::number(ms(generationNs), 'f', 0)
-        << " ms; best of " << rounds << " rounds" << (exclusive ? ", exclusive locking mode" : "") << '\n';
+        << " ms; best of " << rounds << " rounds"
+        << (exclusive       ? ", exclusive locking mode"
+            : inTransaction ? ", in one read transaction"
+                            : "")
+        << '\n';
     out << "  getAllChamberTypeData(true)   " << QString::number(ms(allNs), 'f', 1) << " ms, " << allStatements
         << " statements, " << QString::number(double(allNs) / 1000 / std::max<qint64>(1, allStatements), 'f', 2)
         << " us/statement (" << entries << " entries, " << signalCount << " signals)\n";

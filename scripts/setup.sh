@@ -8,7 +8,7 @@ packages=(
     build-essential cmake ninja-build pkg-config git
     qtbase5-dev libqt5serialbus5-dev libqt5serialport5-dev libqt5xml5 libqt5sql5 libqt5sql5-sqlite
     libsqlcipher-dev sqlcipher sqlite3
-    python3 python3-pymodbus python3-serial mbpoll socat iproute2 procps
+    python3 python3-pymodbus python3-serial python3-serial-asyncio mbpoll socat iproute2 procps
     libmodbus-dev
 )
 

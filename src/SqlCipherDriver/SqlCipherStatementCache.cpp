@@ -17,18 +17,19 @@ SqlCipherStatementCache::~SqlCipherStatementCache()
 SqlCipherStatementCache::Entry* SqlCipherStatementCache::acquire(const QString& sql)
 {
     const auto it = entries_.find(sql);
-    if (it == entries_.end() || it->inUse)
+    if (it == entries_.end() || it->second.inUse)
         return nullptr;
-    it->inUse = true;
+    it->second.inUse = true;
     ++inUse_;
-    return &*it;
+    return &it->second;
 }
 
 SqlCipherStatementCache::Entry* SqlCipherStatementCache::adopt(const QString& sql, sqlite3_stmt* statement, quint8 kind)
 {
-    if (entries_.contains(sql))
+    const auto inserted = entries_.emplace(sql, Entry());
+    if (!inserted.second)
         return nullptr;
-    Entry& entry = entries_[sql];
+    Entry& entry = inserted.first->second;
     entry.statement = statement;
     entry.kind = kind;
     entry.inUse = true;
@@ -45,21 +46,21 @@ void SqlCipherStatementCache::release(Entry* entry)
     entry->inUse = false;
     entry->lastReturned = ++clock_;
     --inUse_;
-    if (entries_.size() - inUse_ > capacity_)
+    if (count() > capacity_)
         evictOldestIdle();
 }
 
 void SqlCipherStatementCache::clear()
 {
-    for (const Entry& entry : qAsConst(entries_))
-        sqlite3_finalize(entry.statement);
+    for (const auto& entry : entries_)
+        sqlite3_finalize(entry.second.statement);
     entries_.clear();
     inUse_ = 0;
 }
 
 int SqlCipherStatementCache::count() const
 {
-    return entries_.size() - inUse_;
+    return int(entries_.size()) - inUse_;
 }
 
 int SqlCipherStatementCache::capacity() const
@@ -71,11 +72,11 @@ void SqlCipherStatementCache::evictOldestIdle()
 {
     auto oldest = entries_.end();
     for (auto it = entries_.begin(); it != entries_.end(); ++it) {
-        if (!it->inUse && (oldest == entries_.end() || it->lastReturned < oldest->lastReturned))
+        if (!it->second.inUse && (oldest == entries_.end() || it->second.lastReturned < oldest->second.lastReturned))
             oldest = it;
     }
     if (oldest != entries_.end()) {
-        sqlite3_finalize(oldest->statement);
+        sqlite3_finalize(oldest->second.statement);
         entries_.erase(oldest);
     }
 }

@@ -5,6 +5,8 @@
 #include <QSqlRecord>
 #include <QString>
 
+#include <unordered_map>
+
 struct sqlite3_stmt;
 
 namespace zelmor::sqldriver {
@@ -58,9 +60,13 @@ public:
 private:
     void evictOldestIdle();
 
-    // Nodes of a QHash keep their address when others are added or removed,
-    // so results may hold Entry pointers.
-    QHash<QString, Entry> entries_;
+    struct TextHash
+    {
+        size_t operator()(const QString& text) const { return qHash(text); }
+    };
+    // Results hold Entry pointers: the standard's node-based map keeps an
+    // element's address when others are added or removed, or the table grows.
+    std::unordered_map<QString, Entry, TextHash> entries_;
     quint64 clock_ = 0;
     int capacity_;
     int inUse_ = 0;

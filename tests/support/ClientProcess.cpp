@@ -9,16 +9,9 @@ namespace {
 
 constexpr char python[] = "/usr/bin/python3";
 
-// Debian's pymodbus 3.0 imports serial_asyncio for its asyncio serial client
-// without depending on the package; a stand-in module takes its place when
-// it is missing, which the synchronous clients never touch.
-constexpr char pymodbusPreamble[] = R"(import sys, types
-try:
-    import serial_asyncio
-except ImportError:
-    stand_in = types.ModuleType("serial_asyncio")
-    stand_in.create_serial_connection = None
-    sys.modules["serial_asyncio"] = stand_in
+// Debian's pymodbus 3.0 needs python3-serial-asyncio, which it only
+// recommends; the set-up installs it.
+constexpr char pymodbusPreamble[] = R"(import sys
 from pymodbus.client import ModbusTcpClient, ModbusSerialClient
 from pymodbus.framer.rtu_framer import ModbusRtuFramer
 )";

@@ -7,7 +7,10 @@
 #include <QPair>
 #include <QSet>
 
-// A reader with fixed values by address, for tests of the chamber servers.
+#include <functional>
+
+// A reader with fixed values by address, each its own type sample, for tests
+// of the chamber servers.
 // Header only: it needs the simulation layer, which the helper library
 // doesn't link; tests of that layer do.
 namespace zelmor::testsupport {
@@ -15,7 +18,13 @@ namespace zelmor::testsupport {
 class MapReader : public simulation::SimulationReader
 {
 public:
-    QVariant read(int address) override { return values.value(address); }
+    QVariant read(int address) override
+    {
+        if (onRead)
+            onRead();
+        return values.value(address);
+    }
+    QVariant getType(int address) override { return values.value(address); }
 
     // Every write to a known address is noted; a read-only one is refused.
     bool write(int address, QVariant value) override
@@ -30,6 +39,8 @@ public:
     QMap<int, QVariant> values;
     QSet<int> readOnly;
     QList<QPair<int, QVariant>> writes;
+    // Called on every read, before the answer.
+    std::function<void()> onRead;
 };
 
 } // namespace zelmor::testsupport

@@ -107,10 +107,10 @@ NetworkNamespace::~NetworkNamespace()
     runIp(QStringLiteral("netns delete ") + name_);
 }
 
-QString NetworkNamespace::macAddress() const
+QString NetworkNamespace::macAddress(const QString& device) const
 {
     QString output;
-    runIp(QStringLiteral("-n %1 -o link show dev fa").arg(name_), &output);
+    runIp(QStringLiteral("-n %1 -o link show dev %2").arg(name_, device), &output);
     return QRegularExpression(QStringLiteral("link/ether ([0-9a-f:]{17})")).match(output).captured(1).toUpper();
 }
 

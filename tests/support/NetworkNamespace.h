@@ -27,8 +27,9 @@ public:
     QString name() const { return name_; }
     // Empty when the namespace is complete.
     QString lastError() const { return lastError_; }
-    // The hardware address of "fa" as "ip link" shows it, in upper case.
-    QString macAddress() const;
+    // The hardware address of "fa" or "fb" as "ip link" shows it, in upper
+    // case. "fb", made as the peer, comes before "fa" in the list of interfaces.
+    QString macAddress(const QString& device = QStringLiteral("fa")) const;
 
     // A TCP socket inside, connected to address:port; -1 when refused or on failure.
     qintptr connectedTcpSocket(const QString& address, quint16 port) const;

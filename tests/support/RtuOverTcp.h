@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/TcpExchange.h"
+
 #include <QByteArray>
 #include <QCoreApplication>
 #include <QTcpSocket>
@@ -47,13 +49,6 @@ inline bool deliver(QTcpSocket& client, const QByteArray& bytes, int timeoutMs =
         || QTest::qWaitFor([&] { return client.bytesToWrite() == 0 && unacknowledged() == 0; }, timeoutMs);
     QCoreApplication::processEvents();
     return acknowledged;
-}
-
-// The next `size` bytes, or what came of them in time.
-inline QByteArray receive(QTcpSocket& client, int size, int timeoutMs = 10000)
-{
-    static_cast<void>(QTest::qWaitFor([&] { return client.bytesAvailable() >= size; }, timeoutMs));
-    return client.read(size);
 }
 
 } // namespace zelmor::testsupport

@@ -16,13 +16,23 @@ namespace {
 const QString workingFolder = QStringLiteral("a/b/c/work/");
 const QString documentsFolder = QStringLiteral("home/Documents/");
 
-// The system calls in which an event loop waits (x86-64 numbers): poll,
-// select, epoll_wait, pselect6, ppoll, epoll_pwait, epoll_pwait2.
-bool isWaitingSystemCall(const QByteArray& syscallLine)
+// Whether the process's main thread sleeps in an event loop's wait. The
+// kernel names the function it sleeps in (do_epoll_wait, ep_poll,
+// do_sys_poll, do_select); where it keeps that to itself ("0"), sleeping at
+// all has to do.
+bool isWaitingInEventLoop(qint64 processId)
 {
-    bool ok = false;
-    const int number = syscallLine.split(' ').value(0).trimmed().toInt(&ok);
-    return ok && QList<int>{7, 23, 232, 270, 271, 281, 441}.contains(number);
+    QFile stat(QStringLiteral("/proc/%1/stat").arg(processId));
+    if (!stat.open(QIODevice::ReadOnly))
+        return false;
+    // The state follows the command name in parentheses, which may hold any character.
+    const QByteArray fields = stat.readAll();
+    const int nameEnd = fields.lastIndexOf(')');
+    if (nameEnd < 0 || fields.mid(nameEnd + 2, 1) != "S")
+        return false;
+    QFile channel(QStringLiteral("/proc/%1/wchan").arg(processId));
+    const QByteArray function = channel.open(QIODevice::ReadOnly) ? channel.readAll().trimmed() : QByteArray();
+    return function.isEmpty() || function == "0" || function.contains("poll") || function.contains("select");
 }
 
 } // namespace
@@ -125,8 +135,7 @@ bool SimulatorProcess::waitUntilIdle(int timeoutMs)
     while (!deadline.hasExpired() && isRunning()) {
         const QByteArray before = output_;
         collect();
-        QFile file(QStringLiteral("/proc/%1/syscall").arg(process_.processId()));
-        const bool waiting = file.open(QIODevice::ReadOnly) && isWaitingSystemCall(file.readAll());
+        const bool waiting = isWaitingInEventLoop(process_.processId());
         // Two probes in a row, with no new output in between.
         quietProbes = (waiting && before == output_) ? quietProbes + 1 : 0;
         if (quietProbes >= 2)

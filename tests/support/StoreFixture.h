@@ -23,10 +23,11 @@
 // library doesn't link; the store tests do.
 namespace zelmor::testsupport {
 
-// A real connection that cuts the last column off the rows of statements whose
-// text contains the marker, all of them or only the row at cutRow: rows of the
-// wrong width, which no well-formed statement on a real engine gives. The
-// single-row and single-value reads go through here too.
+// A real connection that cuts the last column off the rows of the given width,
+// all of them or only the one at cutRow of each result: rows of the wrong
+// width, which no well-formed statement on a real engine gives. Statements are
+// told apart by their rows, not by their text. The single-row and
+// single-value reads go through here too.
 class CuttingConnection : public zelmor::base::connection::databaseconnection::SqliteConnection
 {
 public:
@@ -36,17 +37,15 @@ public:
     QList<QList<QVariant>> fetch(const zelmor::domain::api::ISqlQuery& query) const override
     {
         QList<QList<QVariant>> rows = SqliteConnection::fetch(query);
-        if (!marker.isEmpty() && query.getPreparedQueryString().contains(marker)) {
-            for (int index = 0; index < rows.size(); ++index) {
-                if (cutRow < 0 || index == cutRow) {
-                    rows[index].removeLast();
-                }
+        for (int index = 0; index < rows.size(); ++index) {
+            if (rows.at(index).size() == cutWidth && (cutRow < 0 || index == cutRow)) {
+                rows[index].removeLast();
             }
         }
         return rows;
     }
 
-    QString marker;
+    int cutWidth = 0;
     int cutRow = -1;
 };
 
@@ -162,12 +161,12 @@ private:
 // One operation of a store in a situation that must fail cleanly:
 // - "unwired": the store has no connection;
 // - "wrong key": the file is opened with another key;
-// - any other: the file as it is, and rows of statements whose text holds the
-//   marker come a column short (all rows, or only the one at cutRow).
+// - any other: the file as it is, and rows of cutWidth columns come a column
+//   short (all of them, or only the one at cutRow).
 // Compares the operation's result and the store's error codes, and checks that
 // nothing in the file changed; a file opened with a wrong key keeps its bytes.
 template<typename Store, typename... Arguments>
-void checkFailure(const QString& path, const QString& situation, const QString& marker, int cutRow,
+void checkFailure(const QString& path, const QString& situation, int cutWidth, int cutRow,
                   const std::function<QString(Store&)>& operation, const QString& result, const QList<int>& codes,
                   Arguments&&... arguments)
 {
@@ -183,7 +182,7 @@ void checkFailure(const QString& path, const QString& situation, const QString& 
         if (situation == QLatin1String("unwired")) {
             QVERIFY(!fixture.store.setDependencies(nullptr));
         }
-        fixture.connection.marker = marker;
+        fixture.connection.cutWidth = cutWidth;
         fixture.connection.cutRow = cutRow;
         QSignalSpy errors(&fixture.store, &Store::error);
 

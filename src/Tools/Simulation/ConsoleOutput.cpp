@@ -13,9 +13,9 @@ namespace {
 // destroyed at exit, goes first.
 struct Console
 {
-    Console()
+    explicit Console(FILE* file)
     {
-        standardOutput.open(stdout, QIODevice::WriteOnly);
+        standardOutput.open(file, QIODevice::WriteOnly);
         stream.setDevice(&standardOutput);
     }
 
@@ -27,7 +27,13 @@ struct Console
 
 QTextStream& consoleOutput()
 {
-    static Console console;
+    static Console console(stdout);
+    return console.stream;
+}
+
+QTextStream& errorOutput()
+{
+    static Console console(stderr);
     return console.stream;
 }
 

@@ -14,6 +14,10 @@ namespace zelmor::simulation {
 // Only call from the thread of the event loop.
 QTextStream& consoleOutput();
 
+// Standard error, for the few words the tool says about itself rather than
+// about its chambers (see OpenFileLimit). Swappable like consoleOutput().
+QTextStream& errorOutput();
+
 // Ends a console line the tool's way, "\r\n", and flushes, so that the line
 // is out before the next event even when the process is ended from outside.
 // A manipulator: consoleOutput() << "text" << consoleEndLine;

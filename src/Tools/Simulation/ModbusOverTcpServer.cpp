@@ -1,5 +1,7 @@
 #include "Tools/Simulation/ModbusOverTcpServer.h"
 
+#include "Tools/Simulation/OpenFileLimit.h"
+
 #include <QHostAddress>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -32,8 +34,10 @@ constexpr std::array<quint16, 256> crcTable = makeCrcTable();
 ModbusOverTcpServer::ModbusOverTcpServer(const QString& address, int port)
     : server(new QTcpServer)
 {
-    server->listen(QHostAddress(address), static_cast<quint16>(port));
+    if (!server->listen(QHostAddress(address), static_cast<quint16>(port)))
+        OpenFileLimit::reportIfExhausted();
     connect(server.get(), &QTcpServer::newConnection, this, &ModbusOverTcpServer::newConnectionRequest);
+    connect(server.get(), &QTcpServer::acceptError, this, &OpenFileLimit::reportIfExhausted);
 }
 
 ModbusOverTcpServer::~ModbusOverTcpServer() = default;

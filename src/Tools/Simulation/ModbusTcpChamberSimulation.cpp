@@ -3,6 +3,7 @@
 #include "Domain/Types/ChamberTypeData.h"
 #include "Domain/Types/ControllerAddress.h"
 #include "Tools/Simulation/ConsoleOutput.h"
+#include "Tools/Simulation/OpenFileLimit.h"
 #include "Tools/Simulation/SimulationReader.h"
 #include "Tools/Simulation/XPortBroadcastSimulation.h"
 
@@ -62,6 +63,8 @@ void ModbusTcpChamberSimulation::initClass()
     setServerAddress(serverAddress_);
     setConnectionParameter(QModbusDevice::NetworkAddressParameter, ipAddress.toString());
     setConnectionParameter(QModbusDevice::NetworkPortParameter, port);
+    // Listening and accepting failures both end here.
+    connect(this, &QModbusDevice::errorOccurred, this, &OpenFileLimit::reportIfExhausted);
 }
 
 bool ModbusTcpChamberSimulation::start()

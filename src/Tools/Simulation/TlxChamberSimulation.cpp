@@ -2,6 +2,7 @@
 
 #include "Domain/Types/ChamberTypeData.h"
 #include "Tools/Simulation/ConsoleOutput.h"
+#include "Tools/Simulation/OpenFileLimit.h"
 #include "Tools/Simulation/SimulationReader.h"
 #include "Tools/Simulation/TlxBroadCastSimulation.h"
 
@@ -61,6 +62,7 @@ TlxChamberSimulation::TlxChamberSimulation(QSharedPointer<domain::types::Chamber
     const QString controller = this->chamberType ? this->chamberType->controller : QString();
     broadcaster = QSharedPointer<TlxBroadCastSimulation>::create(this->ipAddress, controller, qualifiedTypeName);
     connect(server.get(), &QTcpServer::newConnection, this, &TlxChamberSimulation::chamberConnected);
+    connect(server.get(), &QTcpServer::acceptError, this, &OpenFileLimit::reportIfExhausted);
 }
 
 TlxChamberSimulation::~TlxChamberSimulation() = default;
@@ -73,7 +75,10 @@ bool TlxChamberSimulation::start()
     // Listening twice would fail anyway; asking first spares the warning.
     if (server->isListening())
         return false;
-    return server->listen(ipAddress, static_cast<quint16>(port));
+    if (server->listen(ipAddress, static_cast<quint16>(port)))
+        return true;
+    OpenFileLimit::reportIfExhausted();
+    return false;
 }
 
 int TlxChamberSimulation::getProtocolId() const

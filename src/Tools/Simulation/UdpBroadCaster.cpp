@@ -1,5 +1,7 @@
 #include "Tools/Simulation/UdpBroadCaster.h"
 
+#include "Tools/Simulation/OpenFileLimit.h"
+
 #include <QHostAddress>
 #include <QNetworkInterface>
 #include <QUdpSocket>
@@ -15,7 +17,8 @@ constexpr char noMacAddress[] = "00:00:00:00:00:00";
 UdpBroadCaster::UdpBroadCaster(const QHostAddress& address, int port)
     : socket(new QUdpSocket)
 {
-    socket->bind(address, static_cast<quint16>(port), QAbstractSocket::ShareAddress);
+    if (!socket->bind(address, static_cast<quint16>(port), QAbstractSocket::ShareAddress))
+        OpenFileLimit::reportIfExhausted();
     connect(socket.get(), &QUdpSocket::readyRead, this, &UdpBroadCaster::readUdpData);
 }
 

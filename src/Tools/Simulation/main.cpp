@@ -1,10 +1,11 @@
 #include "Base/Connection/DatabaseConnection/DatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlQuery.h"
 #include "Base/Connection/DatabaseConnection/SqliteConnection.h"
+#include "Base/EventDispatcher/EpollEventDispatcher.h"
 #include "Tools/Simulation/ChamberFleet.h"
 #include "Tools/Simulation/ChamberSimulation.h"
 #include "Tools/Simulation/ConsoleOutput.h"
-#include "Tools/Simulation/EpollEventDispatcher.h"
+#include "Tools/Simulation/OpenFileLimit.h"
 #include "Tools/Simulation/XmlSimulationReader.h"
 
 #include <QApplication>
@@ -12,11 +13,9 @@
 #include <QList>
 #include <QSettings>
 #include <QSharedPointer>
-#include <QSqlQuery>
+#include <QSqlDatabase>
 #include <QString>
 #include <QTextStream>
-
-#include <sys/resource.h>
 
 using zelmor::base::connection::databaseconnection::DatabaseConnection;
 using zelmor::base::connection::databaseconnection::SqliteConnection;
@@ -71,17 +70,6 @@ void keepLocalTimeCheap()
         qputenv("TZ", QByteArray(":") + localTimeFile);
 }
 
-// A TLX chamber holds three descriptors (listener, responder, client); the
-// usual soft limit of 1024 would end a large fleet without a word.
-void raiseOpenFileLimit()
-{
-    rlimit limit{};
-    if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur == limit.rlim_max)
-        return;
-    limit.rlim_cur = limit.rlim_max;
-    setrlimit(RLIMIT_NOFILE, &limit);
-}
-
 // Qt's own dispatchers poll every socket on every wake-up, so that with a
 // fleet each request costs in proportion to the number of chambers. Without
 // windows nothing needs them; a platform with windows keeps its own for the
@@ -92,7 +80,7 @@ void installFleetEventDispatcher()
     const bool windowless = platform.startsWith("offscreen") || platform.startsWith("minimal");
     if (!windowless || qgetenv("ZELMOR_EVENT_DISPATCHER") == "qt")
         return;
-    auto* const dispatcher = new zelmor::simulation::EpollEventDispatcher;
+    auto* const dispatcher = new zelmor::base::eventdispatcher::EpollEventDispatcher;
     if (!dispatcher->isValid()) {
         delete dispatcher;
         return;
@@ -114,13 +102,22 @@ void attachValueFile(const QSharedPointer<ChamberSimulation>& chamber, const QSt
         chamber->setSimulationReader(QSharedPointer<zelmor::simulation::XmlSimulationReader>::create(valueFilePath));
 }
 
-// The catalogue is never written. Holding the engine's shared lock from one
-// statement to the next spares the file checks that each statement would make
-// on its own (about ten system calls), which dominate loading a large catalogue.
-void holdCatalogueReadLock(SqliteConnection& connection)
+// Building a fleet reads the catalogue in thousands of small statements. In
+// one read transaction the engine keeps its shared lock and its page cache from
+// one to the next and spares the file checks that each statement would make on
+// its own (about ten system calls), which dominate loading a large catalogue.
+// The transaction ends once the fleet is built: the monitoring application
+// shares the file and must be able to write to it while the tool runs. Without
+// the transaction the reads are only slower.
+bool beginCatalogueRead(SqliteConnection& connection)
 {
-    QSqlQuery query(connection.getDatabase());
-    query.exec(QStringLiteral("PRAGMA locking_mode = EXCLUSIVE"));
+    return connection.getDatabase().transaction();
+}
+
+void endCatalogueRead(SqliteConnection& connection, bool begun)
+{
+    if (begun)
+        connection.getDatabase().rollback();
 }
 
 // A wrong key still opens: the engine only tells at the first statement that
@@ -129,7 +126,6 @@ bool openReadableCatalogue(SqliteConnection& connection, const QString& path)
 {
     if (!connection.openDatabase(path, QString(), QString(), QLatin1String(configurationDatabaseKey)))
         return false;
-    holdCatalogueReadLock(connection);
     SqlQuery probe;
     probe.selectCount(SqlQuery::ALL, QString()).fromTable(QStringLiteral("sqlite_master"));
     return connection.fetchSingleValue(probe).isValid();
@@ -155,7 +151,8 @@ int main(int argc, char* argv[])
 {
     chooseWindowlessPlatform();
     keepLocalTimeCheap();
-    raiseOpenFileLimit();
+    // The usual soft limit of 1024 would end a fleet at about 330 chambers.
+    zelmor::simulation::OpenFileLimit::raise();
     installFleetEventDispatcher();
 
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling, true);
@@ -212,6 +209,7 @@ int main(int argc, char* argv[])
 
     if (!openConfigurationDatabase(configurationConnection, iniDatabasePath))
         return databaseNotOpened;
+    const bool catalogueRead = beginCatalogueRead(configurationConnection);
 
     if (!automaticAddress.isEmpty()) {
         const QList<QSharedPointer<ChamberSimulation>> fleet =
@@ -239,6 +237,8 @@ int main(int argc, char* argv[])
             chambers.append(chamber);
         }
     }
+
+    endCatalogueRead(configurationConnection, catalogueRead);
 
     // In the automatic path every chamber starts a second time here; a
     // second start() leaves the first one's listener as it is.

@@ -42,6 +42,8 @@ private slots:
     void convert();
     void toUnitId_data();
     void toUnitId();
+    void texts_data();
+    void texts();
     void namesAndQuantities();
     void unitValueConversion_data();
     void unitValueConversion();
@@ -64,12 +66,21 @@ void TestUnit::convert_data()
     // with the exact 5/9 the result would be 0x43889333
     QTest::newRow("F->K 32 is 273.15002") << 1 << 2 << 32.0f << 0x43889334u;
     QTest::newRow("K->F 0 is -459.67") << 2 << 1 << 0.0f << 0xC3E5D5C3u;
-    QTest::newRow("hPa->mbar") << 7 << 8 << 1013.25f << bitsOf(1013.25f);
+    QTest::newRow("K->C 0 is -273.15") << 2 << 0 << 0.0f << 0xC3889333u;
+    // 300 - 273.149994 rounds to 26.850006
+    QTest::newRow("K->C 300 is 26.850006") << 2 << 0 << 300.0f << 0x41D6CCD0u;
+    QTest::newRow("hPa->mbar") << 7 << 8 << 1013.25f << 0x447D5000u;
+    QTest::newRow("mbar->hPa") << 8 << 7 << 1013.25f << 0x447D5000u;
+    QTest::newRow("% r.F. -> % r.H.") << 3 << 4 << 55.5f << 0x425E0000u;
+    QTest::newRow("% r.H. -> % r.F.") << 4 << 3 << 55.5f << 0x425E0000u;
     // same unit: untouched, even without any table row
     QTest::newRow("% to %") << 5 << 5 << 20.0f << bitsOf(20.0f);
     QTest::newRow("number outside the table to itself") << 99 << 99 << -0.1f << bitsOf(-0.1f);
     // no row: NaN
     QTest::newRow("temperature to pressure") << 0 << 7 << 20.0f << nanBits;
+    QTest::newRow("% to Vol.-%") << 5 << 6 << 20.0f << nanBits;
+    QTest::newRow("% r.F. to %") << 3 << 5 << 20.0f << nanBits;
+    QTest::newRow("kLUX to Mluxh") << 9 << 10 << 20.0f << nanBits;
     QTest::newRow("undefined to celsius") << 16 << 0 << 20.0f << nanBits;
 }
 
@@ -107,6 +118,50 @@ void TestUnit::toUnitId()
 
     QCOMPARE(int(Unit::toUnitId(text)), expected);
     QCOMPARE(int(UnitValue(text, 1).getUnit()), expected);
+}
+
+void TestUnit::texts_data()
+{
+    QTest::addColumn<int>("unit");
+    QTest::addColumn<QString>("text");  // as the catalogue spells it
+    QTest::addColumn<QString>("shown"); // toString()
+    QTest::addColumn<int>("foundAs");   // toUnitId(text)
+
+    const QString degree(QChar(0x00B0));
+    const QString squared(QChar(0x00B2));
+    const auto row = [](int unit, const QString& text, const QString& shown, int foundAs) {
+        QTest::newRow(qPrintable(QStringLiteral("%1 \"%2\"").arg(unit).arg(text))) << unit << text << shown << foundAs;
+    };
+    row(0, degree + "C", degree + "C", 0);
+    row(1, degree + "F", degree + "F", 1);
+    row(2, "K", "K", 2);
+    row(3, "% r.F.", "% r.F.", 3);
+    row(4, "% r.H.", "% r.H.", 4);
+    row(5, "%", "%", 5);
+    row(6, "Vol.-%", "Vol.-%", 6);
+    row(7, "hPa", "hPa", 7);
+    row(8, "mbar", "mbar", 8);
+    row(9, "kLUX", "kLUX", 9);
+    row(10, "Mluxh", "Mluxh", 10);
+    row(11, "W/m" + squared, "W/m" + squared, 11);
+    row(12, "Wh/m" + squared, "Wh/m" + squared, 12);
+    // The catalogue's text of the boolean unit is shown as nothing.
+    row(13, "BOOL", "", 13);
+    row(14, "V", "V", 14);
+    // Both have the empty text, which finds the first.
+    row(15, "", "", 15);
+    row(16, "", "", 15);
+}
+
+void TestUnit::texts()
+{
+    QFETCH(int, unit);
+    QFETCH(QString, text);
+    QFETCH(QString, shown);
+    QFETCH(int, foundAs);
+
+    QCOMPARE(Unit::toString(Unit::UnitId(unit)), shown);
+    QCOMPARE(int(Unit::toUnitId(text)), foundAs);
 }
 
 void TestUnit::namesAndQuantities()

@@ -108,6 +108,10 @@ private slots:
     void instancesFleet();
     void automaticFleet();
     void tunnelledInstances();
+    void realAddresses_data();
+    void realAddresses();
+    void severalTypesOfInstances();
+    void countTextsRunTogether();
     void badInputOnTheWire_data();
     void badInputOnTheWire();
 
@@ -266,6 +270,92 @@ void TestChamberFleetEndToEnd::tunnelledInstances()
         QCOMPARE(readTunnelled(*space, converter, slaves + 1, 0x300), QByteArray());
         QCOMPARE(search(*space, converter, 8513), searchReply);
     }
+}
+
+void TestChamberFleetEndToEnd::realAddresses_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QList<int>>("types"); // of the chambers on the three addresses in turn
+    QTest::addColumn<bool>("automatic");
+
+    // 127.0.0.1, given or by default, selects every address of the real
+    // interfaces, whatever their subnet, and never the loopback's.
+    QTest::newRow("-n without -i") << QStringList{"-n5"} << QList<int>{9, 9, 9} << false;
+    QTest::newRow("-n with -i127.0.0.1") << QStringList{"-i127.0.0.1", "-n2"} << QList<int>{9, 9} << false;
+    QTest::newRow("-a127.0.0.1") << QStringList{"-a127.0.0.1"} << QList<int>{1, 2, 9} << true;
+}
+
+void TestChamberFleetEndToEnd::realAddresses()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QList<int>, types);
+    QFETCH(bool, automatic);
+
+    const auto [space, simulator] = launch({"10.231.0.1/24", "10.231.0.2/24"}, {"10.232.0.1/24"}, arguments);
+    // "fb" comes first among the interfaces.
+    const QStringList addresses{"10.232.0.1", "10.231.0.1", "10.231.0.2"};
+    const QStringList macs{space->macAddress(QStringLiteral("fb")), space->macAddress(), space->macAddress()};
+    const QMap<int, QByteArray> names{{1, "HX 60 Z6"}, {2, "HX 120 Z6"}, {9, "KBF 240 E6"}};
+    QByteArray starts;
+    QString rows;
+    for (int index = 0; index < types.size(); ++index) {
+        const QByteArray name = names.value(types.at(index));
+        const QString address = addresses.at(index);
+        starts += startLine(name, address.toLatin1());
+        rows += extractRow(automatic ? 100 : 1000, index, types.at(index),
+                           automatic ? QString::fromLatin1(name) : name + " at " + address, address, macs.at(index), 0,
+                           "4,-1");
+    }
+    if (automatic)
+        starts += starts;
+    QVERIFY2(simulator->waitForOutput(starts), qPrintable(space->lastError() + simulator->standardError()));
+    QVERIFY(simulator->waitUntilIdle());
+    QCOMPARE(simulator->foldedOutput().replace('+', ""), readingDefault + starts);
+    QCOMPARE(QString::fromUtf8(simulator->documentsFile(extractFile)), rows);
+    for (int index = 0; index < types.size(); ++index)
+        checkChamber(*space, addresses.at(index).toLatin1(), macs.at(index), names.value(types.at(index)));
+    QCOMPARE(space->connectedTcpSocket(QStringLiteral("127.0.0.1"), 9000), qintptr(-1));
+}
+
+// Two -m with -n: both types' chambers are built, the slave addresses go on
+// counting on the one converter, and the extract holds the last type only,
+// its row ids and serial numbers counted anew.
+void TestChamberFleetEndToEnd::severalTypesOfInstances()
+{
+    const auto [space, simulator] =
+        launch({"10.233.0.1/24", "10.233.0.2/24"}, {}, {"-m60", "-m30", "-n2", "-i10.233.0.1"});
+    const QString mac = space->macAddress();
+    const QByteArray starts =
+        tunnelledStartLine("VT 4021 Z3", "10.233.0.1", 1) + tunnelledStartLine("VT 4021 Z3", "10.233.0.1", 2)
+        + tunnelledStartLine("MKF 115 E2", "10.233.0.1", 3) + tunnelledStartLine("MKF 115 E2", "10.233.0.1", 4);
+    QVERIFY2(simulator->waitForOutput(starts), qPrintable(space->lastError() + simulator->standardError()));
+    QVERIFY(simulator->waitUntilIdle());
+    QCOMPARE(simulator->foldedOutput().replace('+', ""), readingDefault + starts);
+    QCOMPARE(QString::fromUtf8(simulator->documentsFile(extractFile)),
+             extractRow(1000, 0, 30, "MKF 115 E2 at 10.233.0.1", "10.233.0.1", mac, 3, "1,0")
+                 + extractRow(1000, 1, 30, "MKF 115 E2 at 10.233.0.2", "10.233.0.1", mac, 4, "1,0"));
+    // Type 60 keeps its temperature at 0x300, type 30 at 0x1000.
+    for (const auto& [slave, address] : {std::pair{1, 0x300}, {2, 0x300}, {3, 0x1000}, {4, 0x1000}})
+        QCOMPARE(readTunnelled(*space, "10.233.0.1", slave, quint16(address)),
+                 withCrc(QByteArray(1, char(slave)) + "\x04\x04" + temperatureWords));
+    QCOMPARE(readTunnelled(*space, "10.233.0.1", 5, 0x300), QByteArray());
+}
+
+// "-n1 -n2" is the count 12, neither 2 nor 3.
+void TestChamberFleetEndToEnd::countTextsRunTogether()
+{
+    QStringList addresses;
+    for (int host = 1; host <= 14; ++host)
+        addresses << QStringLiteral("10.234.0.%1/24").arg(host);
+    const auto [space, simulator] = launch(addresses, {}, {"-n1", "-n2", "-i10.234.0.1"});
+    QByteArray starts;
+    for (int host = 1; host <= 12; ++host)
+        starts += startLine("KBF 240 E6", "10.234.0." + QByteArray::number(host));
+    QVERIFY2(simulator->waitForOutput(starts), qPrintable(space->lastError() + simulator->standardError()));
+    QVERIFY(simulator->waitUntilIdle());
+    QCOMPARE(simulator->foldedOutput().replace('+', ""), readingDefault + starts);
+    QCOMPARE(simulator->documentsFile(extractFile).count("INSERT INTO"), 12);
+    QCOMPARE(space->connectedTcpSocket(QStringLiteral("10.234.0.13"), 9000), qintptr(-1));
 }
 
 void TestChamberFleetEndToEnd::badInputOnTheWire_data()

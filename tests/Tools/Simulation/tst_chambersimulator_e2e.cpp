@@ -3,6 +3,7 @@
 // The wire format's patterns are the in-process test's business; here: what
 // the catalogue's types answer, the command line, the console.
 
+#include "support/FileLimits.h"
 #include "support/SampleCatalogue.h"
 #include "support/SimulatorProcess.h"
 #include "support/TestDatabase.h"
@@ -18,6 +19,7 @@
 #include <memory>
 
 #include <sys/resource.h>
+#include <unistd.h>
 
 using zelmor::testsupport::SimulatorProcess;
 using zelmor::testsupport::TestDatabase;
@@ -80,6 +82,9 @@ private slots:
     void processValueFollowsTheLag();
     void discovery();
     void startsWithoutDisplayAndRaisesTheFileLimit();
+    void catalogueStaysWritable();
+    void typeWordsKeepTheirOrder_data();
+    void typeWordsKeepTheirOrder();
     void commandLine_data();
     void commandLine();
 
@@ -220,14 +225,63 @@ void TestChamberSimulatorEndToEnd::discovery()
 }
 
 // The chambers came up without a display, and lifted their soft limit of
-// open files to the hard limit: a TLX chamber holds three descriptors.
+// open files to the hard limit, and the hard limit too where they may: a TLX
+// chamber holds three descriptors.
 void TestChamberSimulatorEndToEnd::startsWithoutDisplayAndRaisesTheFileLimit()
 {
     QFile limits(QStringLiteral("/proc/%1/limits").arg(chambers.at(1)->processId()));
     QVERIFY(limits.open(QIODevice::ReadOnly));
     const QByteArray text = limits.readAll();
-    const QByteArray hard = QByteArray::number(qulonglong(hardFileLimit));
+    const QByteArray hard =
+        QByteArray::number(zelmor::testsupport::mayRaiseHardLimits() ? zelmor::testsupport::simulatorFileLimitCeiling()
+                                                                     : qulonglong(hardFileLimit));
     QVERIFY2(text.simplified().contains("Max open files " + hard + ' ' + hard + " files"), text.constData());
+}
+
+// The ini file is the monitoring application's own: both name the same
+// catalogue, and the application may write to it while the tool runs.
+void TestChamberSimulatorEndToEnd::catalogueStaysWritable()
+{
+    const QString shared = databases.filePath(QStringLiteral("shared.sqlite3"));
+    QVERIFY(QFile::copy(catalogue, shared));
+    SimulatorProcess simulator;
+    QVERIFY(simulator.writeIni("[%General]\nConfigDatabasePath=" + shared.toUtf8() + '\n'));
+    simulator.start({"tlx", "-i127.0.57.34"});
+    QVERIFY2(simulator.waitForOutput("Start TLX simulation"), simulator.standardError().constData());
+    QVERIFY(simulator.waitUntilIdle());
+
+    // The shell waits for no lock: a catalogue still locked fails at once.
+    const TestDatabase::ShellResult written = TestDatabase::runSqlcipher(
+        shared, QLatin1String(TestDatabase::projectKey_),
+        QStringLiteral("UPDATE chamber_type SET description = 'written meanwhile' WHERE id = 1; SELECT changes();"));
+    QVERIFY2(written.ok, qPrintable(written.errorOutput));
+    QCOMPARE(written.output, QStringLiteral("1\n"));
+    QVERIFY(simulator.isRunning());
+}
+
+void TestChamberSimulatorEndToEnd::typeWordsKeepTheirOrder_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("starts");
+    const QByteArray tlx = "Start TLX simulation HX 60 Z6 on 127.0.57.36:9000\r\n";
+    const QByteArray kv2 = "Start Modbus simulation VC 7034 Z2 on 127.0.57.36:502\r\n";
+    QTest::newRow("tlx kv2") << QStringList{"tlx", "kv2", "-i127.0.57.36"} << tlx + kv2;
+    QTest::newRow("kv2 tlx") << QStringList{"kv2", "-i127.0.57.36", "tlx"} << kv2 + tlx;
+}
+
+// The type words add their types in command-line order, one chamber each on the one address.
+void TestChamberSimulatorEndToEnd::typeWordsKeepTheirOrder()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, starts);
+    if (::geteuid() != 0)
+        QSKIP("Modbus TCP's port 502 needs root");
+    SimulatorProcess simulator;
+    QVERIFY(simulator.installCatalogue(catalogue));
+    simulator.start(arguments);
+    QVERIFY2(simulator.waitForOutput(starts.mid(starts.indexOf('\n') + 1)), simulator.standardError().constData());
+    QVERIFY(simulator.waitUntilIdle());
+    QCOMPARE(simulator.foldedOutput().replace('+', ""), readingDefault + starts);
 }
 
 void TestChamberSimulatorEndToEnd::commandLine_data()

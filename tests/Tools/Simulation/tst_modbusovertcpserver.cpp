@@ -38,12 +38,6 @@ struct EchoConverter
     QByteArrayList heard;
 };
 
-bool connected(QTcpSocket& client, int host)
-{
-    client.connectToHost(address(host), port);
-    return client.waitForConnected(10000);
-}
-
 } // namespace
 
 class TestModbusOverTcpServer : public QObject
@@ -72,7 +66,7 @@ void TestModbusOverTcpServer::oneReadIsOneFrame()
     const QByteArray wrongCrc = QByteArray::fromHex("0203000000010000");
     EchoConverter converter(1);
     QTcpSocket client;
-    QVERIFY(connected(client, 1));
+    QVERIFY(connected(client, address(1), port));
     for (const QByteArray& bytes :
          {frame.left(7), frame, wrongCrc, frame + wrongCrc, frame.left(4), frame.mid(4), sentinel})
         QVERIFY(deliver(client, bytes));
@@ -87,7 +81,7 @@ void TestModbusOverTcpServer::eachClientGetsItsOwnReplies()
     EchoConverter converter(2);
     QTcpSocket first;
     QTcpSocket second;
-    QVERIFY(connected(first, 2) && connected(second, 2));
+    QVERIFY(connected(first, address(2), port) && connected(second, address(2), port));
     QVERIFY(deliver(first, "11111111") && deliver(second, "22222222") && deliver(first, "33333333"));
     // Outside of a frame there is nobody to write to.
     converter.server.write("nowhere");
@@ -97,7 +91,7 @@ void TestModbusOverTcpServer::eachClientGetsItsOwnReplies()
     // A client that goes away leaves the others and the listener as they were.
     first.disconnectFromHost();
     QTcpSocket third;
-    QVERIFY(connected(third, 2));
+    QVERIFY(connected(third, address(2), port));
     QVERIFY(deliver(third, sentinel) && deliver(second, sentinel));
     QCOMPARE(receive(third, 9) + receive(second, 9), "R" + sentinel + "R" + sentinel);
     QCOMPARE(second.readAll() + third.readAll(), QByteArray());
@@ -115,7 +109,7 @@ void TestModbusOverTcpServer::oneConverterForEachAddressAndPort()
     QVERIFY(ModbusOverTcpServerFactory::create(address(4), port) != converter);
     ModbusOverTcpServerFactory::create(address(5), 8000);
     QTcpSocket tcpClient;
-    QVERIFY(connected(tcpClient, 3));
+    QVERIFY(connected(tcpClient, address(3), port));
 
     StreamCapture console(consoleOutput());
     QUdpSocket client;

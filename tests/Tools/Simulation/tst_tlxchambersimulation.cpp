@@ -5,20 +5,20 @@
 
 #include "Domain/Types/ChamberTypeData.h"
 #include "Tools/Simulation/ConsoleOutput.h"
-#include "Tools/Simulation/SimulationReader.h"
 #include "Tools/Simulation/TlxChamberSimulation.h"
+#include "support/MapReader.h"
 #include "support/StreamCapture.h"
+#include "support/TcpExchange.h"
 
 #include <QNetworkDatagram>
 #include <QTcpSocket>
 #include <QUdpSocket>
 #include <QtTest>
 
-#include <functional>
 #include <tuple>
 
 using namespace zelmor::simulation;
-using zelmor::testsupport::StreamCapture;
+using namespace zelmor::testsupport;
 
 namespace {
 
@@ -31,28 +31,6 @@ QString address(int host)
 {
     return QStringLiteral("127.0.41.%1").arg(host);
 }
-
-// Fixed values by address, each a type sample of its own. Each read is reported.
-class MapReader : public SimulationReader
-{
-public:
-    QVariant read(int address) override
-    {
-        onRead();
-        return values.value(address);
-    }
-    bool write(int address, QVariant value) override { return (values[address] = value, true); }
-    QVariant getType(int address) override { return values.value(address); }
-
-    QMap<int, QVariant> values{{0x0, 7},
-                               {0x10, 42},
-                               {0x1001A0F0, 23.5f},
-                               {0x60, QPoint(1, 2)},
-                               {0x61, QString(74, 'a')},
-                               {0x62, QString(75, 'b')},
-                               {0x70, QString()}};
-    std::function<void()> onRead = [] {};
-};
 
 auto hx60()
 {
@@ -68,6 +46,13 @@ struct Bench
     explicit Bench(int host, bool withReader = true, int port = 9000)
         : chamber(hx60(), address(host), port)
     {
+        map->values = {{0x0, 7},
+                       {0x10, 42},
+                       {0x1001A0F0, 23.5f},
+                       {0x60, QPoint(1, 2)},
+                       {0x61, QString(74, 'a')},
+                       {0x62, QString(75, 'b')},
+                       {0x70, QString()}};
         if (withReader)
             chamber.setSimulationReader(map);
         chamber.start();
@@ -76,22 +61,6 @@ struct Bench
     QSharedPointer<MapReader> map = QSharedPointer<MapReader>::create();
     TlxChamberSimulation chamber;
 };
-
-bool connected(QTcpSocket& client, int host, int port = 9000)
-{
-    client.connectToHost(address(host), port);
-    return client.waitForConnected(timeoutMs);
-}
-
-// The next `size` bytes, or what came of them in time. In an event loop,
-// not in steps of a polling wait, so that the time taken is the chamber's.
-QByteArray receive(QTcpSocket& client, qint64 size)
-{
-    QSignalSpy arrived(&client, &QTcpSocket::readyRead);
-    while (client.bytesAvailable() < size && arrived.wait(timeoutMs)) {
-    }
-    return client.read(size);
-}
 
 } // namespace
 
@@ -157,7 +126,7 @@ void TestTlxChamberSimulation::exchange()
     // On the third constructor's port.
     Bench bench(1, withReader, 9100);
     QTcpSocket client;
-    QVERIFY(connected(client, 1, 9100));
+    QVERIFY(connected(client, address(1), 9100));
     for (int i = 0; i < requests.size(); ++i) {
         QElapsedTimer clock;
         clock.start();
@@ -180,7 +149,7 @@ void TestTlxChamberSimulation::newestClientWins()
     Bench bench(3);
     QTcpSocket first;
     QTcpSocket second;
-    QVERIFY(connected(first, 3));
+    QVERIFY(connected(first, address(3), 9000));
     QTRY_VERIFY(console.text().endsWith("Connect TLX simulation \r\n"));
     // The second client comes while the answer to the first is pending.
     bench.map->onRead = [&] { second.connectToHost(address(3), 9000); };

@@ -9,8 +9,9 @@
 #include "Domain/Api/ISqlConnection.h"
 
 // The creation functions of the application tables are in
-// DatabaseConnectionTables.cpp, the calls passed on to the stores in
-// DatabaseConnection<Store>.cpp.
+// DatabaseConnectionTables.cpp, the calls passed on to each store in
+// DatabaseConnection<Store>.cpp (Camera, Configuration, Protocol, Room,
+// Settings).
 
 namespace zelmor::base::connection::databaseconnection {
 
@@ -42,9 +43,9 @@ bool DatabaseConnection::setDependencies(ISqlConnection* applicationDatabase, IS
     if (!areDependenciesSet()) {
         return false;
     }
-    // The stores in this order, each stopping the wiring on false: access,
-    // camera, alarm, configuration, chamber, program, protocol, recording,
-    // recordset, room, settings, user.
+    // Store by store in this order, stopping the wiring at the first that
+    // refuses: access, camera, alarm, configuration, chamber, program,
+    // protocol, recording, recordset, room, settings, user.
     return cameraStore->setDependencies(applicationDatabase)
            && configurationStore->setDependencies(configurationDatabase)
            && protocolStore->setDependencies(applicationDatabase) && roomStore->setDependencies(applicationDatabase)

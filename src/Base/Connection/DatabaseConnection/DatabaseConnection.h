@@ -49,7 +49,7 @@ class DatabaseConnection : public QObject,
     Q_OBJECT
 
 public:
-    // The flag goes to the protocol and user stores: it merges user levels on reading.
+    // The flag is kept for the stores that read user levels: it merges them on reading.
     explicit DatabaseConnection(bool mergeUserLevels, QObject* parent = nullptr);
     ~DatabaseConnection() override;
 

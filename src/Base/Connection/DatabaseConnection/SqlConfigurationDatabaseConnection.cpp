@@ -446,15 +446,15 @@ QMap<int, ChamberSignal> SqlConfigurationDatabaseConnection::getChamberSignals(c
 SignalId SqlConfigurationDatabaseConnection::getChamberTypeTestSignalId(const ChamberTypeId& id) const
 {
     if (!checks.hasDependencies("getChamberTypeTestSignalId")) {
-        return -1;
+        return 0;
     }
-    return sqlhelper::readIntSqlValue(
-        connection->fetchSingleValue(selectValueById(
+    // The plain conversion, with no fallback: a type without a test signal gives 0.
+    return connection
+        ->fetchSingleValue(selectValueById(
             DC::lookupChamberTypeHasTestSignalTableName(),
             DC::lookupChamberTypeHasTestSignalColumnName(ChamberTypeHasTestSignalProperty::TEST_SIGNAL_ID),
-            DC::lookupChamberTypeHasTestSignalColumnName(ChamberTypeHasTestSignalProperty::CHAMBER_TYPE_ID),
-            id.typeId)),
-        -1);
+            DC::lookupChamberTypeHasTestSignalColumnName(ChamberTypeHasTestSignalProperty::CHAMBER_TYPE_ID), id.typeId))
+        .toInt();
 }
 
 QVariant SqlConfigurationDatabaseConnection::getChamberSignalProperty(const SignalId& id, SignalProperty property) const

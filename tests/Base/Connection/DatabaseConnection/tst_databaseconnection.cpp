@@ -16,17 +16,15 @@
 #include "Domain/Types/TimeSpan.h"
 #include "Domain/Types/UserId.h"
 #include "Domain/Types/ZelmorNetworkConfiguration.h"
+#include "support/ChildRun.h"
 #include "support/LogCapture.h"
 #include "support/SampleCatalogue.h"
 #include "support/StoreFixture.h"
 #include "support/TestDatabase.h"
 
 #include <QCoreApplication>
-#include <QProcess>
 #include <QTextStream>
 #include <QtTest>
-
-#include <sys/resource.h>
 
 #include <functional>
 
@@ -48,12 +46,10 @@ Q_DECLARE_METATYPE(Name)
 
 namespace {
 
-const char* const childSwitch = "--lookup-in-child";
 const QString projectKey = QLatin1String(TestDatabase::projectKey_);
 
 // ---------------------------------------------------------------------------
-// The statements of a few application tables, written out by hand; the others
-// are run on the engine by initialize below.
+// The statements of the application tables, written out by hand.
 
 const QString chamberStatement = QStringLiteral(
     " CREATE TABLE IF NOT EXISTS chamber (id INTEGER PRIMARY KEY NOT NULL , chamber_type_id INTEGER, "
@@ -81,6 +77,60 @@ const QString userStatement = QStringLiteral(
     "password_is_temporary BOOLEAN, user_level INTEGER, number_failed_login_attempts INTEGER, "
     "number_failed_security_question_attempts INTEGER, is_banned BOOLEAN, password_expiration_time DATETIME, "
     "first_name TEXT, last_name TEXT)");
+
+const QString globalSettingsStatement = QStringLiteral(
+    " CREATE TABLE IF NOT EXISTS global_settings (id INTEGER PRIMARY KEY NOT NULL, event_do_repeat INTEGER, "
+    "event_repetition_interval INTEGER, report_creation_interval INTEGER, base_password TEXT, "
+    "quick_recording_name_template TEXT, quick_recording_seconds_interval INTEGER, "
+    "resume_recordings_on_startup INTEGER)");
+
+// No primary key at all.
+const QString metaRecordingStatement =
+    QStringLiteral(" CREATE TABLE IF NOT EXISTS meta_recording_has_recording (meta_recording_id INTEGER NOT NULL, "
+                   "recording_id INTEGER NOT NULL, FOREIGN KEY (meta_recording_id) REFERENCES recording (id), "
+                   "FOREIGN KEY (recording_id) REFERENCES recording (id))");
+
+const QString logEntryStatement =
+    QStringLiteral(" CREATE TABLE IF NOT EXISTS log_entry (id INTEGER PRIMARY KEY NOT NULL, creation_time DATETIME, "
+                   "event_description TEXT, user_id INTEGER, FOREIGN KEY (user_id) REFERENCES application_user (id))");
+
+const QString recordSetStatement =
+    QStringLiteral(" CREATE TABLE IF NOT EXISTS record_set (id INTEGER PRIMARY KEY NOT NULL, record_time DATETIME, "
+                   "is_retrieved_from_chamber BOOLEAN, recording_id INTEGER NOT NULL, "
+                   "signal_1 REAL, signal_2 REAL, signal_3 REAL, signal_4 REAL, signal_5 REAL, signal_6 REAL, "
+                   "signal_7 REAL, signal_8 REAL, signal_9 REAL, signal_10 REAL, signal_11 REAL, signal_12 REAL, "
+                   "signal_13 REAL, signal_14 REAL, signal_15 REAL, signal_16 REAL, signal_17 REAL, signal_18 REAL, "
+                   "signal_19 REAL, signal_20 REAL, signal_21 REAL, signal_22 REAL, signal_23 REAL, signal_24 REAL, "
+                   "signal_25 REAL, signal_26 REAL, signal_27 REAL, signal_28 REAL, signal_29 REAL, signal_30 REAL, "
+                   "signal_31 REAL, signal_32 REAL, signal_33 REAL, signal_34 REAL, signal_35 REAL, signal_36 REAL, "
+                   "signal_37 REAL, signal_38 REAL, signal_39 REAL, signal_40 REAL, signal_41 REAL, signal_42 REAL, "
+                   "signal_43 REAL, signal_44 REAL, signal_45 REAL, signal_46 REAL, signal_47 REAL, signal_48 REAL"
+                   ", FOREIGN KEY (recording_id) REFERENCES recording (id))");
+
+const QString recordSetCommentStatement =
+    QStringLiteral(" CREATE TABLE IF NOT EXISTS record_set_comment (recordset_id INTEGER PRIMARY KEY NOT NULL UNIQUE, "
+                   "user_id INTEGER, creation_time DATETIME, comment_text TEXT, "
+                   "FOREIGN KEY (recordset_id) REFERENCES record_set (id))");
+
+const QString roomStatement = QStringLiteral(
+    " CREATE TABLE IF NOT EXISTS room (id INTEGER PRIMARY KEY NOT NULL , room_name TEXT, image_path TEXT, "
+    "image_scale REAL)");
+
+const QString roomChamberPositionStatement = QStringLiteral(
+    " CREATE TABLE IF NOT EXISTS room_chamber_position (chamber_id INTEGER PRIMARY KEY NOT NULL, room_id INTEGER, "
+    "chamber_pos_x REAL, chamber_pos_y REAL, FOREIGN KEY (chamber_id) REFERENCES chamber (id), "
+    "FOREIGN KEY (room_id) REFERENCES room (id))");
+
+const QString visibilityStatement = QStringLiteral(
+    " CREATE TABLE IF NOT EXISTS user_has_chamber_signal_visibility_preference (user_id INTEGER NOT NULL, "
+    "chamber_id INTEGER NOT NULL, signal_id INTEGER NOT NULL, FOREIGN KEY (user_id) REFERENCES application_user (id), "
+    "FOREIGN KEY (chamber_id) REFERENCES chamber (id))");
+
+// Enumerations are INTEGER columns.
+const QString userPreferencesStatement = QStringLiteral(
+    " CREATE TABLE IF NOT EXISTS user_preferences (user_id INTEGER PRIMARY KEY NOT NULL, default_file_format INTEGER, "
+    "localization INTEGER, time_format INTEGER, date_format INTEGER, decimal_format INTEGER, "
+    "temperature_unit INTEGER, humidity_unit INTEGER, FOREIGN KEY (user_id) REFERENCES application_user (id))");
 
 // In the order of initialize, each table after those it references.
 const QStringList applicationTables = {"chamber",
@@ -283,13 +333,9 @@ void TestDatabaseConnection::lookups()
 // A number past the last enumerator stops the program (see main).
 void TestDatabaseConnection::lookupPastTheLastStops()
 {
-    QProcess child;
-    child.start(QCoreApplication::applicationFilePath(), {QString::fromLatin1(childSwitch)});
-    QVERIFY2(child.waitForFinished(30000), qPrintable(child.errorString()));
-    const QString standardError = QString::fromUtf8(child.readAllStandardError());
-    QCOMPARE(child.exitStatus(), QProcess::CrashExit);
-    QCOMPARE(child.readAllStandardOutput(), QByteArray());
-    QVERIFY2(standardError.contains(QLatin1String("ASSERT: \"false\" in file")), qPrintable(standardError));
+    const zelmor::testsupport::ChildRun child = zelmor::testsupport::ChildRun::start({});
+    QCOMPARE(child.standardOutput, QByteArray());
+    QVERIFY2(child.stoppedOnAssertion("false", "DatabaseSchema.cpp"), child.standardError.constData());
 }
 
 // ---------------------------------------------------------------------------
@@ -304,6 +350,30 @@ void TestDatabaseConnection::createTable_data()
                                << QStringList{userStatement, chamberStatement, recordingStatement};
     QTest::newRow("tolerance_range") << &DatabaseConnection::createTableToleranceRange
                                      << QStringList{chamberStatement, toleranceRangeStatement};
+    QTest::newRow("chamber") << &DatabaseConnection::createTableChamber << QStringList{chamberStatement};
+    QTest::newRow("global_settings") << &DatabaseConnection::createTableGlobalSettings
+                                     << QStringList{globalSettingsStatement};
+    // Both foreign keys reference "recording", which is made once.
+    QTest::newRow("meta_recording_has_recording")
+        << &DatabaseConnection::createTableMetaRecordingHasRecordings
+        << QStringList{userStatement, chamberStatement, recordingStatement, metaRecordingStatement};
+    QTest::newRow("log_entry") << &DatabaseConnection::createTableProtocolEntry
+                               << QStringList{userStatement, logEntryStatement};
+    QTest::newRow("record_set") << &DatabaseConnection::createTableRecordset
+                                << QStringList{userStatement, chamberStatement, recordingStatement, recordSetStatement};
+    QTest::newRow("record_set_comment") << &DatabaseConnection::createTableRecordsetComment
+                                        << QStringList{userStatement, chamberStatement, recordingStatement,
+                                                       recordSetStatement, recordSetCommentStatement};
+    QTest::newRow("room") << &DatabaseConnection::createTableRoom << QStringList{roomStatement};
+    QTest::newRow("room_chamber_position")
+        << &DatabaseConnection::createTableRoomChamberPosition
+        << QStringList{chamberStatement, roomStatement, roomChamberPositionStatement};
+    QTest::newRow("application_user") << &DatabaseConnection::createTableUser << QStringList{userStatement};
+    QTest::newRow("user_has_chamber_signal_visibility_preference")
+        << &DatabaseConnection::createTableUserHasChamberSignalVisibilityPreference
+        << QStringList{userStatement, chamberStatement, visibilityStatement};
+    QTest::newRow("user_preferences") << &DatabaseConnection::createTableUserPreferences
+                                      << QStringList{userStatement, userPreferencesStatement};
 }
 
 void TestDatabaseConnection::createTable()
@@ -690,9 +760,7 @@ void TestDatabaseConnection::storesThroughTheFacade()
 int main(int argc, char** argv)
 {
     // Child mode: a lookup the assertion should stop.
-    if (argc == 2 && qstrcmp(argv[1], childSwitch) == 0) {
-        const rlimit noCoreFile{0, 0};
-        setrlimit(RLIMIT_CORE, &noCoreFile);
+    if (zelmor::testsupport::isChildRun(argc, argv)) {
         QTextStream(stdout) << DatabaseConnection::lookupChamberColumnName(ChamberProperty(19));
         return 0;
     }

@@ -178,8 +178,8 @@ void TestSqlCameraDatabaseConnection::badInput()
                                                         " (2, NULL, NULL, 'usb0', 4, 4);"));
     QVERIFY(!path.isEmpty());
     // In the short row, the second camera's row comes a column short.
-    zelmor::testsupport::checkFailure<Store>(path, situation, situation == "short row" ? "FROM camera" : "", 1,
-                                             operation, result, codes);
+    zelmor::testsupport::checkFailure<Store>(path, situation, situation == "short row" ? 6 : 0, 1, operation, result,
+                                             codes);
 }
 
 QTEST_GUILESS_MAIN(TestSqlCameraDatabaseConnection)

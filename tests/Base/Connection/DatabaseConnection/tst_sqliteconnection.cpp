@@ -106,6 +106,7 @@ private slots:
 
     void openDatabase_data();
     void openDatabase();
+    void pragmasAfterOpening();
     void statementCalls_data();
     void statementCalls();
     void executeTransaction_data();
@@ -194,6 +195,28 @@ void TestSqliteConnection::openDatabase()
     QCOMPARE(codesOf(errors), readable ? ErrorCodes() : opened ? ErrorCodes{6} : (ErrorCodes{2, 6}));
     // Each failure is logged once, as critical.
     QCOMPARE(log.messages(QtCriticalMsg).size(), int(!opened) + int(!readable));
+}
+
+// Right after opening: foreign keys enforced, journal and temporary tables in memory.
+void TestSqliteConnection::pragmasAfterOpening()
+{
+    auto connection = openOn(QStringLiteral("CREATE TABLE parent(id INTEGER PRIMARY KEY);"
+                                            "CREATE TABLE child(parent_id INTEGER REFERENCES parent(id));"));
+    QVERIFY(connection);
+    QSignalSpy errors(connection.get(), &SqliteConnection::error);
+    const auto pragma = [&](const char* name) {
+        return describe(connection->fetchSingleValue(FixedStatement(QStringLiteral("PRAGMA %1").arg(name))));
+    };
+    QCOMPARE(pragma("foreign_keys"), QStringLiteral("qlonglong(1)"));
+    QCOMPARE(pragma("journal_mode"), QStringLiteral("QString(memory)"));
+    QCOMPARE(pragma("temp_store"), QStringLiteral("qlonglong(2)")); // 2: MEMORY
+    {
+        LogCapture log(category);
+        QVERIFY(!connection->execute(FixedStatement(QStringLiteral("INSERT INTO child VALUES (99)"))).success);
+        QCOMPARE(logTexts(log), QStringList{"critical: FOREIGN KEY constraint failed"});
+    }
+    QCOMPARE(codesOf(errors), ErrorCodes{5});
+    QCOMPARE(shell(path, QStringLiteral("SELECT count(*) FROM child;")), QStringLiteral("0"));
 }
 
 void TestSqliteConnection::statementCalls_data()

@@ -1,17 +1,16 @@
 #include "Base/Connection/DatabaseConnection/SqlQuery.h"
+#include "support/ChildRun.h"
 #include "support/TestDatabase.h"
 
 #include <QCoreApplication>
-#include <QProcess>
 #include <QTextStream>
 #include <QtTest>
-
-#include <sys/resource.h>
 
 #include <functional>
 
 using zelmor::base::connection::databaseconnection::SqlQuery;
 using zelmor::domain::api::ISqlQuery;
+using zelmor::testsupport::ChildRun;
 using zelmor::testsupport::TestDatabase;
 
 using Q = SqlQuery;
@@ -27,8 +26,6 @@ Q_DECLARE_METATYPE(ForeignKeys)
 #define CHAIN(...) Chain([=](SqlQuery& q) -> SqlQuery& { return q __VA_ARGS__; })
 
 namespace {
-
-const char* const childSwitch = "--lookup-in-child";
 
 // A statement that is not a SqlQuery: sub-queries must be taken through the interface.
 struct FixedStatement : ISqlQuery
@@ -218,16 +215,11 @@ void TestSqlQuery::unknownEnumeratorStopsTheProgram()
     QFETCH(int, value);
     QFETCH(QString, output);
 
-    QProcess child;
-    child.start(QCoreApplication::applicationFilePath(),
-                {QString::fromLatin1(childSwitch), kind, QString::number(value)});
-    QVERIFY2(child.waitForFinished(30000), qPrintable(child.errorString()));
-    const QString standardError = QString::fromUtf8(child.readAllStandardError());
-    QCOMPARE(QString::fromUtf8(child.readAllStandardOutput()), output);
-    QCOMPARE(child.exitStatus(), output.isEmpty() ? QProcess::CrashExit : QProcess::NormalExit);
-    const bool stopped = standardError.contains(QLatin1String("ASSERT: \"false\" in file"))
-                         && standardError.contains(QLatin1String("SqlQuery.cpp"));
-    QVERIFY2(output.isEmpty() ? stopped : standardError.isEmpty(), qPrintable(standardError));
+    const ChildRun child = ChildRun::start({kind, QString::number(value)});
+    QCOMPARE(QString::fromUtf8(child.standardOutput), output);
+    QVERIFY2(output.isEmpty() ? child.stoppedOnAssertion("false", "SqlQuery.cpp")
+                              : child.finished && !child.crashed && child.standardError.isEmpty(),
+             child.standardError.constData());
 }
 
 void TestSqlQuery::createTable_data()
@@ -336,10 +328,9 @@ void TestSqlQuery::equality()
 int main(int argc, char** argv)
 {
     // Child mode: run one lookup and print its text, or stop on the assertion.
-    if (argc == 4 && qstrcmp(argv[1], childSwitch) == 0) {
-        const rlimit noCoreFile{0, 0};
-        setrlimit(RLIMIT_CORE, &noCoreFile);
-        QTextStream(stdout) << lookupByKind(QString::fromLatin1(argv[2]), QByteArray(argv[3]).toInt());
+    if (zelmor::testsupport::isChildRun(argc, argv)) {
+        const QStringList arguments = ChildRun::arguments(argc, argv);
+        QTextStream(stdout) << lookupByKind(arguments.value(0), arguments.value(1).toInt());
         return 0;
     }
     QCoreApplication application(argc, argv);

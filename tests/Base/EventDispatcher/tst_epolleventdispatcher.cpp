@@ -1,7 +1,9 @@
 // The epoll dispatcher as the main thread's dispatcher of a test application:
-// timers, sockets on 127.0.59.x, posts from other threads.
+// timers, sockets on 127.0.59.x, posts from other threads, its one-thread
+// contract.
 
-#include "Tools/Simulation/EpollEventDispatcher.h"
+#include "Base/EventDispatcher/EpollEventDispatcher.h"
+#include "support/ChildRun.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -12,7 +14,8 @@
 
 #include <thread>
 
-using zelmor::simulation::EpollEventDispatcher;
+using zelmor::base::eventdispatcher::EpollEventDispatcher;
+using zelmor::testsupport::ChildRun;
 
 class TestEpollEventDispatcher : public QObject
 {
@@ -25,6 +28,8 @@ private slots:
     void timerBookkeeping();
     void socketsBesideABusyTimer();
     void postedEvents();
+    void otherThreads_data();
+    void otherThreads();
 };
 
 void TestEpollEventDispatcher::initTestCase()
@@ -159,8 +164,59 @@ void TestEpollEventDispatcher::postedEvents()
     QVERIFY(doomed.isNull());
 }
 
+void TestEpollEventDispatcher::otherThreads_data()
+{
+    QTest::addColumn<QString>("call");
+    QTest::addColumn<bool>("stops");
+    QTest::newRow("wakeUp") << "wakeUp" << false;
+    QTest::newRow("interrupt") << "interrupt" << false;
+    QTest::newRow("registerTimer") << "registerTimer" << true;
+    QTest::newRow("unregisterTimers") << "unregisterTimers" << true;
+    QTest::newRow("processEvents") << "processEvents" << true;
+}
+
+// The call made from a second thread of a child (see main): a wake-up may
+// come from anywhere, the rest stops the program.
+void TestEpollEventDispatcher::otherThreads()
+{
+    QFETCH(QString, call);
+    QFETCH(bool, stops);
+    const ChildRun child = ChildRun::start({call});
+    if (stops)
+        QVERIFY2(child.stoppedOnAssertion("isOwnerThread()", "EpollEventDispatcher.cpp"),
+                 child.standardError.constData());
+    else
+        QVERIFY2(child.finished && !child.crashed && child.exitCode == 0, child.standardError.constData());
+}
+
+// Child mode: one call on the main thread's dispatcher from another thread.
+int callFromOtherThread(int argc, char* argv[])
+{
+    auto* const dispatcher = new EpollEventDispatcher;
+    QCoreApplication::setEventDispatcher(dispatcher);
+    QCoreApplication application(argc, argv);
+    const QString call = ChildRun::arguments(argc, argv).value(0);
+    QObject owner;
+    std::thread other([&] {
+        if (call == QLatin1String("wakeUp"))
+            dispatcher->wakeUp();
+        else if (call == QLatin1String("interrupt"))
+            dispatcher->interrupt();
+        else if (call == QLatin1String("registerTimer"))
+            dispatcher->registerTimer(1, 10, Qt::CoarseTimer, &owner);
+        else if (call == QLatin1String("unregisterTimers"))
+            dispatcher->unregisterTimers(&owner);
+        else if (call == QLatin1String("processEvents"))
+            dispatcher->processEvents(QEventLoop::AllEvents);
+    });
+    other.join();
+    return 0;
+}
+
 int main(int argc, char* argv[])
 {
+    if (zelmor::testsupport::isChildRun(argc, argv))
+        return callFromOtherThread(argc, argv);
     QCoreApplication::setEventDispatcher(new EpollEventDispatcher);
     QCoreApplication application(argc, argv);
     TestEpollEventDispatcher test;

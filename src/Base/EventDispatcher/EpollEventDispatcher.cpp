@@ -1,4 +1,4 @@
-#include "Tools/Simulation/EpollEventDispatcher.h"
+#include "Base/EventDispatcher/EpollEventDispatcher.h"
 
 #include <QCoreApplication>
 #include <QSocketNotifier>
@@ -14,7 +14,7 @@
 #include <time.h>
 #include <unistd.h>
 
-namespace zelmor::simulation {
+namespace zelmor::base::eventdispatcher {
 
 namespace {
 
@@ -74,8 +74,14 @@ bool EpollEventDispatcher::isValid() const
     return epollDescriptor >= 0 && wakeUpDescriptor >= 0;
 }
 
+bool EpollEventDispatcher::isOwnerThread() const
+{
+    return pthread_equal(pthread_self(), pthread_t(ownerThread));
+}
+
 bool EpollEventDispatcher::processEvents(QEventLoop::ProcessEventsFlags flags)
 {
+    Q_ASSERT(isOwnerThread());
     interrupted.store(false);
     emit awake();
 
@@ -98,6 +104,7 @@ bool EpollEventDispatcher::processEvents(QEventLoop::ProcessEventsFlags flags)
 
 bool EpollEventDispatcher::hasPendingEvents()
 {
+    Q_ASSERT(isOwnerThread());
     return wakeUpPending.load();
 }
 
@@ -245,6 +252,7 @@ bool EpollEventDispatcher::updateWatch(int descriptor, const Watch& watch, bool 
 
 void EpollEventDispatcher::registerSocketNotifier(QSocketNotifier* notifier)
 {
+    Q_ASSERT(isOwnerThread());
     const int descriptor = int(notifier->socket());
     auto watch = watches.find(descriptor);
     const bool added = watch == watches.end();
@@ -277,6 +285,7 @@ void EpollEventDispatcher::registerSocketNotifier(QSocketNotifier* notifier)
 
 void EpollEventDispatcher::unregisterSocketNotifier(QSocketNotifier* notifier)
 {
+    Q_ASSERT(isOwnerThread());
     const int descriptor = int(notifier->socket());
     auto watch = watches.find(descriptor);
     if (watch == watches.end())
@@ -299,6 +308,7 @@ void EpollEventDispatcher::unregisterSocketNotifier(QSocketNotifier* notifier)
 
 void EpollEventDispatcher::registerTimer(int timerId, int interval, Qt::TimerType timerType, QObject* object)
 {
+    Q_ASSERT(isOwnerThread());
     Timer timer;
     timer.object = object;
     timer.interval = interval;
@@ -318,6 +328,7 @@ void EpollEventDispatcher::removeDeadline(int timerId, const Timer& timer)
 
 bool EpollEventDispatcher::unregisterTimer(int timerId)
 {
+    Q_ASSERT(isOwnerThread());
     const auto timer = timers.find(timerId);
     if (timer == timers.end())
         return false;
@@ -328,6 +339,7 @@ bool EpollEventDispatcher::unregisterTimer(int timerId)
 
 bool EpollEventDispatcher::unregisterTimers(QObject* object)
 {
+    Q_ASSERT(isOwnerThread());
     bool found = false;
     for (auto timer = timers.begin(); timer != timers.end();) {
         if (timer->object == object) {
@@ -343,6 +355,7 @@ bool EpollEventDispatcher::unregisterTimers(QObject* object)
 
 QList<QAbstractEventDispatcher::TimerInfo> EpollEventDispatcher::registeredTimers(QObject* object) const
 {
+    Q_ASSERT(isOwnerThread());
     QList<TimerInfo> result;
     for (auto timer = timers.cbegin(); timer != timers.cend(); ++timer) {
         if (timer->object == object)
@@ -353,6 +366,7 @@ QList<QAbstractEventDispatcher::TimerInfo> EpollEventDispatcher::registeredTimer
 
 int EpollEventDispatcher::remainingTime(int timerId)
 {
+    Q_ASSERT(isOwnerThread());
     const auto timer = timers.constFind(timerId);
     if (timer == timers.constEnd())
         return -1;
@@ -371,7 +385,7 @@ void EpollEventDispatcher::wakeUp()
         return;
     // On its own thread the dispatcher is running, not waiting: it looks at
     // the flag before it waits again.
-    if (pthread_equal(pthread_self(), pthread_t(ownerThread)))
+    if (isOwnerThread())
         return;
     const quint64 one = 1;
     const ssize_t written = write(wakeUpDescriptor, &one, sizeof one);
@@ -386,4 +400,4 @@ void EpollEventDispatcher::interrupt()
 
 void EpollEventDispatcher::flush() {}
 
-} // namespace zelmor::simulation
+} // namespace zelmor::base::eventdispatcher

@@ -8,23 +8,23 @@
 #include <set>
 #include <utility>
 
-namespace zelmor::simulation {
+namespace zelmor::base::eventdispatcher {
 
-// An event dispatcher for the main thread of a large fleet, on Linux epoll.
+// An event dispatcher on Linux epoll, for a thread that watches many sockets
+// (the simulator's main thread with a large fleet).
 //
-// Qt's own dispatchers hand every socket to poll() on every wake-up, so a
-// request costs time in proportion to the number of chambers, each of which
-// holds a listener, a responder and a client. Here the kernel keeps the
-// interest list, and a wake-up costs only what became ready. Timers keep
+// Qt's own dispatchers hand every socket to poll() on every wake-up, so an
+// event costs time in proportion to the number of sockets watched. Here the
+// kernel keeps the interest list, and a wake-up costs only what became ready. Timers keep
 // Qt's promise: never earlier than asked, to the nanosecond of the
 // monotonic clock. Posted events that handlers leave behind go out in the
 // same pass, without another round through the kernel.
 //
 // For a process without windows: window system events are not delivered.
 // Install with QCoreApplication::setEventDispatcher() before the application
-// object exists; then it serves the main thread only. wakeUp() and
-// interrupt() may be called from any thread, everything else only from the
-// thread that runs it.
+// object exists; then it serves the main thread only. wakeUp(), interrupt()
+// and flush() may be called from any thread, everything else only from the
+// thread that made it, which an assertion checks.
 class EpollEventDispatcher : public QAbstractEventDispatcher
 {
     Q_OBJECT
@@ -72,6 +72,7 @@ private:
         bool activating = false;
     };
 
+    bool isOwnerThread() const;
     bool updateWatch(int descriptor, const Watch& watch, bool added);
     void removeDeadline(int timerId, const Timer& timer);
     qint64 nextDeadline() const;
@@ -94,4 +95,4 @@ private:
     unsigned long ownerThread = 0;
 };
 
-} // namespace zelmor::simulation
+} // namespace zelmor::base::eventdispatcher
