@@ -158,42 +158,71 @@ private:
     int count_ = 0;
 };
 
-// One operation of a store in a situation that must fail cleanly:
+// The table of a store test's failures: one row for each operation in a
+// situation that must fail cleanly. The situations:
 // - "unwired": the store has no connection;
 // - "wrong key": the file is opened with another key;
-// - any other: the file as it is, and rows of cutWidth columns come a column
-//   short (all of them, or only the one at cutRow).
-// Compares the operation's result and the store's error codes, and checks that
-// nothing in the file changed; a file opened with a wrong key keeps its bytes.
-template<typename Store, typename... Arguments>
-void checkFailure(const QString& path, const QString& situation, int cutWidth, int cutRow,
-                  const std::function<QString(Store&)>& operation, const QString& result, const QList<int>& codes,
-                  Arguments&&... arguments)
+// - any other: the file as it is, rows of cutWidth columns coming a column
+//   short (all of them, or only the one at check's cutRow).
+// A test declares Q_DECLARE_METATYPE(FailureTable<Store>::Operation) first.
+template<typename Store>
+struct FailureTable
 {
-    const QString dump = ApplicationFiles::shell(path, QStringLiteral(".dump"));
-    const QByteArray bytes = fileBytes(path);
-    {
-        StoreFixture<Store> fixture(path,
-                                    situation == QLatin1String("wrong key")
-                                        ? QStringLiteral("ffeeddccbbaa99887766554433221100")
-                                        : QLatin1String(TestDatabase::projectKey_),
-                                    std::forward<Arguments>(arguments)...);
-        QVERIFY(fixture.opened);
-        if (situation == QLatin1String("unwired")) {
-            QVERIFY(!fixture.store.setDependencies(nullptr));
-        }
-        fixture.connection.cutWidth = cutWidth;
-        fixture.connection.cutRow = cutRow;
-        QSignalSpy errors(&fixture.store, &Store::error);
+    using Operation = std::function<QString(Store&)>;
 
-        QCOMPARE(operation(fixture.store), result);
-        QCOMPARE(errorCodes(errors), codes);
-        fixture.connection.closeDatabase();
+    static void addColumns()
+    {
+        QTest::addColumn<QString>("situation");
+        QTest::addColumn<Operation>("operation");
+        QTest::addColumn<QString>("result");
+        QTest::addColumn<QList<int>>("codes");
+        QTest::addColumn<int>("cutWidth");
     }
-    QCOMPARE(ApplicationFiles::shell(path, QStringLiteral(".dump")), dump);
-    if (situation == QLatin1String("wrong key")) {
-        QCOMPARE(fileBytes(path), bytes);
+
+    static void row(const QByteArray& tag, const QString& situation, const Operation& operation, const QString& result,
+                    const QList<int>& codes, int cutWidth = 0)
+    {
+        QTest::newRow(tag.constData()) << situation << operation << result << codes << cutWidth;
     }
-}
+
+    // Runs the current row on the file: compares the operation's result and
+    // the store's error codes, and checks that nothing in the file changed; a
+    // file opened with a wrong key keeps its bytes. The arguments are the
+    // store's constructor's.
+    template<typename... Arguments>
+    static void check(const QString& path, int cutRow, Arguments&&... arguments)
+    {
+        QFETCH(QString, situation);
+        QFETCH(Operation, operation);
+        QFETCH(QString, result);
+        QFETCH(QList<int>, codes);
+        QFETCH(int, cutWidth);
+
+        const QString dump = ApplicationFiles::shell(path, QStringLiteral(".dump"));
+        const QByteArray bytes = fileBytes(path);
+        {
+            StoreFixture<Store> fixture(path,
+                                        situation == QLatin1String("wrong key")
+                                            ? QStringLiteral("ffeeddccbbaa99887766554433221100")
+                                            : QLatin1String(TestDatabase::projectKey_),
+                                        std::forward<Arguments>(arguments)...);
+            QVERIFY(fixture.opened);
+            if (situation == QLatin1String("unwired")) {
+                QVERIFY(!fixture.store.setDependencies(nullptr));
+            }
+            fixture.connection.cutWidth = cutWidth;
+            fixture.connection.cutRow = cutRow;
+            QSignalSpy errors(&fixture.store, &Store::error);
+
+            QCOMPARE(operation(fixture.store), result);
+            QCOMPARE(errorCodes(errors), codes);
+            fixture.connection.closeDatabase();
+        }
+        QCOMPARE(ApplicationFiles::shell(path, QStringLiteral(".dump")), dump);
+        if (situation == QLatin1String("wrong key")) {
+            QCOMPARE(fileBytes(path), bytes);
+        }
+    }
+};
 
 } // namespace zelmor::testsupport

@@ -18,7 +18,8 @@ using namespace zelmor::domain::types;
 
 using Store = SqlCameraDatabaseConnection;
 using Fixture = zelmor::testsupport::StoreFixture<Store>;
-using Operation = std::function<QString(Store&)>;
+using Failures = zelmor::testsupport::FailureTable<Store>;
+using Operation = Failures::Operation;
 Q_DECLARE_METATYPE(Operation)
 
 namespace {
@@ -126,15 +127,7 @@ void TestSqlCameraDatabaseConnection::writes()
 
 void TestSqlCameraDatabaseConnection::badInput_data()
 {
-    QTest::addColumn<QString>("situation");
-    QTest::addColumn<Operation>("operation");
-    QTest::addColumn<QString>("result");
-    QTest::addColumn<QList<int>>("codes");
-
-    const auto row = [](const QByteArray& tag, const char* situation, Operation operation, const QString& result,
-                        const QList<int>& codes) {
-        QTest::newRow(tag.constData()) << QString(situation) << operation << result << codes;
-    };
+    Failures::addColumns();
     const Operation initialize = [](Store& s) { return QString::number(s.initialize()); };
     const Operation cameras = [](Store& s) { return summary(s.getCameras(4)); };
     const Operation add = [](Store& s) {
@@ -147,30 +140,27 @@ void TestSqlCameraDatabaseConnection::badInput_data()
     for (const char* situation : {"unwired", "wrong key"}) {
         const QList<int> codes = QByteArray(situation) == "unwired" ? QList<int>{0} : QList<int>();
         const QByteArray tag = QByteArray(situation) + ": ";
-        row(tag + "initialize", situation, initialize, "0", codes.isEmpty() ? QList<int>{4} : codes);
-        row(tag + "cameras", situation, cameras, "", codes);
-        row(tag + "add", situation, add, "0 0", codes);
-        row(tag + "update", situation, update, "0", codes);
-        row(tag + "delete", situation, remove, "0", codes);
+        Failures::row(tag + "initialize", situation, initialize, "0", codes.isEmpty() ? QList<int>{4} : codes);
+        Failures::row(tag + "cameras", situation, cameras, "", codes);
+        Failures::row(tag + "add", situation, add, "0 0", codes);
+        Failures::row(tag + "update", situation, update, "0", codes);
+        Failures::row(tag + "delete", situation, remove, "0", codes);
     }
-    row("no camera table: initialize", "no camera table", initialize, "0", {4});
+    Failures::row("no camera table: initialize", "no camera table", initialize, "0", {4});
     // A recording that isn't there: refused by the key, nothing written.
-    row("unknown recording", "",
-        [](Store& s) {
-            Camera camera(0, QHostAddress(), "usb2", 9, 1);
-            return QString::number(s.addCamera(camera));
-        },
-        "0", {});
+    Failures::row("unknown recording", "",
+                  [](Store& s) {
+                      Camera camera(0, QHostAddress(), "usb2", 9, 1);
+                      return QString::number(s.addCamera(camera));
+                  },
+                  "0", {});
     // The second camera's row comes a column short: reported, the first one still read.
-    row("short row", "short row", cameras, "1 '10.0.0.9' '' recording 4 every 3", {8});
+    Failures::row("short row", "short row", cameras, "1 '10.0.0.9' '' recording 4 every 3", {8}, 6);
 }
 
 void TestSqlCameraDatabaseConnection::badInput()
 {
     QFETCH(QString, situation);
-    QFETCH(Operation, operation);
-    QFETCH(QString, result);
-    QFETCH(QList<int>, codes);
 
     const QString path = files.create(
         situation == "no camera table" ? QStringLiteral("DROP TABLE camera;")
@@ -178,8 +168,7 @@ void TestSqlCameraDatabaseConnection::badInput()
                                                         " (2, NULL, NULL, 'usb0', 4, 4);"));
     QVERIFY(!path.isEmpty());
     // In the short row, the second camera's row comes a column short.
-    zelmor::testsupport::checkFailure<Store>(path, situation, situation == "short row" ? 6 : 0, 1, operation, result,
-                                             codes);
+    Failures::check(path, 1);
 }
 
 QTEST_GUILESS_MAIN(TestSqlCameraDatabaseConnection)

@@ -20,7 +20,8 @@ using namespace zelmor::domain::types;
 using Store = SqlProtocolDatabaseConnection;
 using Fixture = zelmor::testsupport::StoreFixture<Store>;
 using Read = std::function<QList<ProtocolEntry>(Store&)>;
-using Operation = std::function<QString(Store&)>;
+using Failures = zelmor::testsupport::FailureTable<Store>;
+using Operation = Failures::Operation;
 Q_DECLARE_METATYPE(Read)
 Q_DECLARE_METATYPE(Operation)
 
@@ -180,15 +181,7 @@ void TestSqlProtocolDatabaseConnection::reads()
 
 void TestSqlProtocolDatabaseConnection::badInput_data()
 {
-    QTest::addColumn<QString>("situation");
-    QTest::addColumn<Operation>("operation");
-    QTest::addColumn<QString>("result");
-    QTest::addColumn<QList<int>>("codes");
-
-    const auto row = [](const QByteArray& tag, const char* situation, Operation operation, const QString& result,
-                        const QList<int>& codes) {
-        QTest::newRow(tag.constData()) << QString(situation) << operation << result << codes;
-    };
+    Failures::addColumns();
     const Operation initialize = [](Store& s) { return QString::number(s.initialize()); };
     const Operation add = [](Store& s) {
         return QString::number(s.addProtocolEntry(ProtocolEntry(march(12), "x", {"y"}, 1)));
@@ -200,23 +193,21 @@ void TestSqlProtocolDatabaseConnection::badInput_data()
     for (const char* situation : {"unwired", "wrong key"}) {
         const QList<int> codes = QByteArray(situation) == "unwired" ? QList<int>{0} : QList<int>();
         const QByteArray tag = QByteArray(situation) + ": ";
-        row(tag + "initialize", situation, initialize, "0", codes.isEmpty() ? QList<int>{4} : codes);
-        row(tag + "add", situation, add, "0", codes);
-        row(tag + "by level", situation, byLevel, "", codes);
-        row(tag + "by user", situation, byUser, "", codes);
-        row(tag + "has entries", situation, has, "0", codes);
+        Failures::row(tag + "initialize", situation, initialize, "0", codes.isEmpty() ? QList<int>{4} : codes);
+        Failures::row(tag + "add", situation, add, "0", codes);
+        Failures::row(tag + "by level", situation, byLevel, "", codes);
+        Failures::row(tag + "by user", situation, byUser, "", codes);
+        Failures::row(tag + "has entries", situation, has, "0", codes);
     }
-    row("no log table: initialize", "no log table", initialize, "0", {4});
+    Failures::row("no log table: initialize", "no log table", initialize, "0", {4});
     // The second entry comes a column short: reported, the others still read.
-    row("short row", "short row", byLevel, "08:00 1 anna: first []; 10:00 3 carl (deleted): third []", {8});
+    Failures::row("short row", "short row", byLevel, "08:00 1 anna: first []; 10:00 3 carl (deleted): third []", {8},
+                  16);
 }
 
 void TestSqlProtocolDatabaseConnection::badInput()
 {
     QFETCH(QString, situation);
-    QFETCH(Operation, operation);
-    QFETCH(QString, result);
-    QFETCH(QList<int>, codes);
 
     const QString path = files.create(situation == "no log table"
                                           ? QStringLiteral("DROP TABLE log_entry;")
@@ -227,8 +218,7 @@ void TestSqlProtocolDatabaseConnection::badInput()
                                                            "('2024-03-01T09:00:00.000Z', 'third', 3, 0);"));
     QVERIFY(!path.isEmpty());
     // In the short row, the second entry comes a column short.
-    zelmor::testsupport::checkFailure<Store>(path, situation, situation == "short row" ? 16 : 0, 1, operation, result,
-                                             codes, false);
+    Failures::check(path, 1, false);
 }
 
 int main(int argc, char** argv)

@@ -20,7 +20,8 @@ using namespace zelmor::domain::types;
 
 using Store = SqlRoomDatabaseConnection;
 using Fixture = zelmor::testsupport::StoreFixture<Store>;
-using Operation = std::function<QString(Store&)>;
+using Failures = zelmor::testsupport::FailureTable<Store>;
+using Operation = Failures::Operation;
 Q_DECLARE_METATYPE(Operation)
 
 namespace {
@@ -194,16 +195,7 @@ void TestSqlRoomDatabaseConnection::positions()
 
 void TestSqlRoomDatabaseConnection::badInput_data()
 {
-    QTest::addColumn<QString>("situation");
-    QTest::addColumn<int>("cutWidth"); // rows of this width come a column short
-    QTest::addColumn<Operation>("operation");
-    QTest::addColumn<QString>("result");
-    QTest::addColumn<QList<int>>("codes");
-
-    const auto row = [](const QByteArray& tag, const char* situation, int cutWidth, Operation operation,
-                        const QString& result, const QList<int>& codes) {
-        QTest::newRow(tag.constData()) << QString(situation) << cutWidth << operation << result << codes;
-    };
+    Failures::addColumns();
     const Operation initialize = [](Store& s) { return QString::number(s.initialize()); };
     const Operation allRooms = [](Store& s) { return summary(s.getAllRooms()); };
     const Operation position = [](Store& s) { return summary(s.getRoomPosition(3)); };
@@ -220,34 +212,30 @@ void TestSqlRoomDatabaseConnection::badInput_data()
     for (const char* situation : {"unwired", "wrong key"}) {
         const QList<int> codes = QByteArray(situation) == "unwired" ? QList<int>{0} : QList<int>();
         const QByteArray tag = QByteArray(situation) + ": ";
-        row(tag + "initialize", situation, 0, initialize, "0", codes.isEmpty() ? QList<int>{4} : codes);
-        row(tag + "all rooms", situation, 0, allRooms, "", codes);
-        row(tag + "position", situation, 0, position, "room 0 at 0/0", codes);
-        row(tag + "add room", situation, 0, addRoom, "0 0", codes);
-        row(tag + "place", situation, 0, place, "0", codes);
-        row(tag + "take out", situation, 0, unplace, "0", codes);
-        row(tag + "chambers in room", situation, 0, inRoom, "", codes);
+        Failures::row(tag + "initialize", situation, initialize, "0", codes.isEmpty() ? QList<int>{4} : codes);
+        Failures::row(tag + "all rooms", situation, allRooms, "", codes);
+        Failures::row(tag + "position", situation, position, "room 0 at 0/0", codes);
+        Failures::row(tag + "add room", situation, addRoom, "0 0", codes);
+        Failures::row(tag + "place", situation, place, "0", codes);
+        Failures::row(tag + "take out", situation, unplace, "0", codes);
+        Failures::row(tag + "chambers in room", situation, inRoom, "", codes);
     }
-    row("no room table: initialize", "no room table", 0, initialize, "0", {4});
+    Failures::row("no room table: initialize", "no room table", initialize, "0", {4});
     // Every row of the rooms comes a column short: each reported and passed over.
-    row("short rows of rooms", "short rows", 4, allRooms, "", {8, 8});
-    row("short row of a position", "short rows", 3, position, "room 0 at 0/0", {8});
+    Failures::row("short rows of rooms", "short rows", allRooms, "", {8, 8}, 4);
+    Failures::row("short row of a position", "short rows", position, "room 0 at 0/0", {8}, 3);
 }
 
 void TestSqlRoomDatabaseConnection::badInput()
 {
     QFETCH(QString, situation);
-    QFETCH(int, cutWidth);
-    QFETCH(Operation, operation);
-    QFETCH(QString, result);
-    QFETCH(QList<int>, codes);
 
     const QString path = files.create(
         situation == "no room table" ? QStringLiteral("DROP TABLE room_chamber_position; DROP TABLE room;")
                                      : QStringLiteral("INSERT INTO room (id, room_name) VALUES (1, 'Lab'), (2, 'Hall');"
                                                       "INSERT INTO room_chamber_position VALUES (3, 1, 0.5, 0.5);"));
     QVERIFY(!path.isEmpty());
-    zelmor::testsupport::checkFailure<Store>(path, situation, cutWidth, -1, operation, result, codes);
+    Failures::check(path, -1);
 }
 
 int main(int argc, char** argv)

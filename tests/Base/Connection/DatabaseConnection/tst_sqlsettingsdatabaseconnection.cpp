@@ -21,7 +21,8 @@ using namespace zelmor::domain::types;
 
 using Store = SqlSettingsDatabaseConnection;
 using Fixture = zelmor::testsupport::StoreFixture<Store>;
-using Operation = std::function<QString(Store&)>;
+using Failures = zelmor::testsupport::FailureTable<Store>;
+using Operation = Failures::Operation;
 using Write = std::function<bool(Store&)>;
 Q_DECLARE_METATYPE(Operation)
 Q_DECLARE_METATYPE(Write)
@@ -371,15 +372,7 @@ void TestSqlSettingsDatabaseConnection::mailRecipients()
 
 void TestSqlSettingsDatabaseConnection::badInput_data()
 {
-    QTest::addColumn<QString>("situation");
-    QTest::addColumn<Operation>("operation");
-    QTest::addColumn<QString>("result");
-    QTest::addColumn<QList<int>>("codes");
-
-    const auto row = [](const QByteArray& tag, const char* situation, Operation operation, const QString& result,
-                        const QList<int>& codes) {
-        QTest::newRow(tag.constData()) << QString(situation) << operation << result << codes;
-    };
+    Failures::addColumns();
     const Operation initialize = [](Store& s) { return QString::number(s.initialize()); };
     const Operation interval = [](Store& s) { return QString::number(s.getQuickRecordingSecondsInterval()); };
     const Operation smtp = [](Store& s) { return summary(s.getSmtpConfiguration()); };
@@ -390,35 +383,32 @@ void TestSqlSettingsDatabaseConnection::badInput_data()
     const Operation addRecipient = [](Store& s) { return QString::number(s.addMailAddressToRecipients("a@b.c")); };
 
     // Unwired, each read costs one 0 per column it asks for.
-    row("unwired: initialize", "unwired", initialize, "0", {0});
-    row("unwired: interval", "unwired", interval, "60", {0});
-    row("unwired: mail server", "unwired", smtp, ":0 type -1 / from ", {0});
-    row("unwired: zelmor connection", "unwired", zelmor, "'' port 22392", {0, 0});
-    row("unwired: set interval", "unwired", setInterval, "0", {0});
-    row("unwired: set mail server", "unwired", setSmtp, "0", {0});
-    row("unwired: recipients", "unwired", recipients, "", {0});
-    row("unwired: add recipient", "unwired", addRecipient, "0", {0});
+    Failures::row("unwired: initialize", "unwired", initialize, "0", {0});
+    Failures::row("unwired: interval", "unwired", interval, "60", {0});
+    Failures::row("unwired: mail server", "unwired", smtp, ":0 type -1 / from ", {0});
+    Failures::row("unwired: zelmor connection", "unwired", zelmor, "'' port 22392", {0, 0});
+    Failures::row("unwired: set interval", "unwired", setInterval, "0", {0});
+    Failures::row("unwired: set mail server", "unwired", setSmtp, "0", {0});
+    Failures::row("unwired: recipients", "unwired", recipients, "", {0});
+    Failures::row("unwired: add recipient", "unwired", addRecipient, "0", {0});
     // With a wrong key the connection reports; the store misses its table.
-    row("wrong key: initialize", "wrong key", initialize, "0", {4});
-    row("wrong key: interval", "wrong key", interval, "60", {});
-    row("wrong key: mail server", "wrong key", smtp, ":0 type -1 / from ", {8});
-    row("wrong key: set interval", "wrong key", setInterval, "0", {});
-    row("wrong key: recipients", "wrong key", recipients, "", {});
-    row("wrong key: add recipient", "wrong key", addRecipient, "0", {});
+    Failures::row("wrong key: initialize", "wrong key", initialize, "0", {4});
+    Failures::row("wrong key: interval", "wrong key", interval, "60", {});
+    Failures::row("wrong key: mail server", "wrong key", smtp, ":0 type -1 / from ", {8});
+    Failures::row("wrong key: set interval", "wrong key", setInterval, "0", {});
+    Failures::row("wrong key: recipients", "wrong key", recipients, "", {});
+    Failures::row("wrong key: add recipient", "wrong key", addRecipient, "0", {});
     // Nothing is created: no table, no row.
-    row("no settings table: initialize", "no settings table", initialize, "0", {4});
+    Failures::row("no settings table: initialize", "no settings table", initialize, "0", {4});
     // No row: a single setting reads its default, a row of several is reported.
-    row("no row: interval", "no row", interval, "60", {});
-    row("no row: mail server", "no row", smtp, ":0 type -1 / from ", {8});
-    row("short row: mail server", "short row", smtp, ":0 type -1 / from ", {8});
+    Failures::row("no row: interval", "no row", interval, "60", {});
+    Failures::row("no row: mail server", "no row", smtp, ":0 type -1 / from ", {8});
+    Failures::row("short row: mail server", "short row", smtp, ":0 type -1 / from ", {8}, 6);
 }
 
 void TestSqlSettingsDatabaseConnection::badInput()
 {
     QFETCH(QString, situation);
-    QFETCH(Operation, operation);
-    QFETCH(QString, result);
-    QFETCH(QList<int>, codes);
 
     const QString path = files.create(
         situation == "no settings table" ? QStringLiteral("DROP TABLE global_settings;")
@@ -426,8 +416,7 @@ void TestSqlSettingsDatabaseConnection::badInput()
             ? QString()
             : QStringLiteral("INSERT INTO global_settings (id, smtp_server, smtp_port) VALUES (1, 'mail', 25);"));
     QVERIFY(!path.isEmpty());
-    zelmor::testsupport::checkFailure<Store>(path, situation, situation == "short row" ? 6 : 0, -1, operation, result,
-                                             codes);
+    Failures::check(path, -1);
 }
 
 QTEST_GUILESS_MAIN(TestSqlSettingsDatabaseConnection)
