@@ -11,38 +11,14 @@ set -euo pipefail
 
 root="$(cd "$(dirname "$0")/.." && pwd)"
 out="${1:-$root/database/configuration.sqlite3}"
-sqlcipher="${SQLCIPHER:-sqlcipher}"
-# The key the tool opens the configuration database with.
-key="0a1b2c3d4e5f60718293a4b5c6d7e8f9"
+me="make-sample-catalogue"
+. "$root/scripts/encrypted-database.sh"
 
-fail() {
-    echo "make-sample-catalogue: $*" >&2
-    rm -f "$out"
-    exit 1
-}
+build_database "$root/database/schema.sql" "$root/database/sample-data.sql"
 
-command -v "$sqlcipher" >/dev/null 2>&1 || fail "'$sqlcipher' not found (Debian package sqlcipher)"
-for f in "$root/database/schema.sql" "$root/database/sample-data.sql"; do
-    [ -r "$f" ] || fail "cannot read $f"
-done
-
-mkdir -p "$(dirname "$out")"
-rm -f "$out" "$out-journal"
-
-# -bail stops at the first failing statement and makes the exit status non-zero.
-{
-    printf "PRAGMA key = '%s';\n" "$key"
-    echo "BEGIN;"
-    cat "$root/database/schema.sql" "$root/database/sample-data.sql"
-    echo "COMMIT;"
-} | "$sqlcipher" -bail "$out" >/dev/null || fail "sqlcipher failed while building $out"
-
-# Read it back with the key: the file must decrypt and every reference must
-# point at an existing row.
-check="$(printf "PRAGMA key = '%s';\nSELECT count(*) FROM chamber_type;\nPRAGMA foreign_key_check;\n" "$key" \
-    | "$sqlcipher" -bail "$out" 2>&1)" || fail "cannot read back $out: $check"
-# Newer sqlcipher versions echo "ok" for the key pragma.
-check="$(printf '%s\n' "$check" | grep -v '^ok$' || true)"
+# The file must decrypt and every reference must point at an existing row.
+check="$(read_back "SELECT count(*) FROM chamber_type;
+PRAGMA foreign_key_check;")"
 types="$(printf '%s\n' "$check" | head -n 1)"
 problems="$(printf '%s\n' "$check" | tail -n +2)"
 [ -n "$types" ] && [ "$types" -gt 0 ] 2>/dev/null || fail "no chamber types in $out: $check"

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Sets up a fresh Debian machine: packages, build into build/, sample catalogue.
+# Sets up a fresh Debian machine: packages, build into build/, sample catalogue,
+# empty application database.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -27,4 +28,7 @@ cmake --build build -j "$(nproc)"
 
 if [ -x scripts/make-sample-catalogue.sh ]; then
     scripts/make-sample-catalogue.sh
+fi
+if [ -x scripts/make-application-database.sh ]; then
+    scripts/make-application-database.sh
 fi

@@ -18,6 +18,18 @@ QString readSource(const QString& relativePath)
     return QString::fromUtf8(file.readAll());
 }
 
+QString createFromSchema(TestDatabase& database, const QString& fileName, const QString& schemaPath,
+                         const QString& rows)
+{
+    const QString schema = readSource(schemaPath);
+    if (schema.isEmpty()) {
+        return QString();
+    }
+    // One transaction: a commit per statement would cost a disk sync each.
+    return database.createEncrypted(fileName, QStringLiteral("BEGIN;\n") + schema + QLatin1Char('\n') + rows
+                                                  + QStringLiteral("\nCOMMIT;"));
+}
+
 } // namespace
 
 QString createSampleCatalogue(TestDatabase& database, const QString& fileName)
@@ -31,13 +43,12 @@ QString createSampleCatalogue(TestDatabase& database, const QString& fileName)
 
 QString createCatalogue(TestDatabase& database, const QString& fileName, const QString& rows)
 {
-    const QString schema = readSource(QStringLiteral("database/schema.sql"));
-    if (schema.isEmpty()) {
-        return QString();
-    }
-    // One transaction: a commit per statement would cost a disk sync each.
-    return database.createEncrypted(fileName, QStringLiteral("BEGIN;\n") + schema + QLatin1Char('\n') + rows
-                                                  + QStringLiteral("\nCOMMIT;"));
+    return createFromSchema(database, fileName, QStringLiteral("database/schema.sql"), rows);
+}
+
+QString createApplicationDatabase(TestDatabase& database, const QString& fileName, const QString& rows)
+{
+    return createFromSchema(database, fileName, QStringLiteral("database/application-schema.sql"), rows);
 }
 
 } // namespace zelmor::testsupport

@@ -15,4 +15,8 @@ QString createSampleCatalogue(TestDatabase& database, const QString& fileName = 
 // The shipped schema with the given rows instead of the sample data.
 QString createCatalogue(TestDatabase& database, const QString& fileName, const QString& rows);
 
+// An application database as delivered (database/application-schema.sql of the
+// source tree), encrypted with the project key, with the given rows added.
+QString createApplicationDatabase(TestDatabase& database, const QString& fileName, const QString& rows = QString());
+
 } // namespace zelmor::testsupport

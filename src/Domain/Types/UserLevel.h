@@ -22,4 +22,13 @@ enum UserLevel : int {
 };
 Q_ENUM_NS(UserLevel)
 
+// Why an operation of the SirenDesk management was refused.
+enum SirenDeskManagementError : int {
+    OBJECT_IS_NULL = 0,
+    INSUFFICIENT_PERMISSIONS = 1,
+    WRONG_PARAMETER = 2,
+    DATABASE_INTERACTION_FAILED = 3
+};
+Q_ENUM_NS(SirenDeskManagementError)
+
 } // namespace zelmor::domain::types

@@ -1,12 +1,17 @@
 #include "Base/Connection/DatabaseConnection/DatabaseConnection.h"
 
+#include "Base/Connection/DatabaseConnection/SqlCameraDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlConfigurationDatabaseConnection.h"
+#include "Base/Connection/DatabaseConnection/SqlProtocolDatabaseConnection.h"
+#include "Base/Connection/DatabaseConnection/SqlRoomDatabaseConnection.h"
+#include "Base/Connection/DatabaseConnection/SqlSettingsDatabaseConnection.h"
 #include "Domain/Api/IInitializing.h"
 #include "Domain/Api/ISqlConnection.h"
 
 // The creation functions of the application tables are in
-// DatabaseConnectionTables.cpp, the calls passed on to the catalogue in
-// DatabaseConnectionConfiguration.cpp.
+// DatabaseConnectionTables.cpp, the calls passed on to each store in
+// DatabaseConnection<Store>.cpp (Camera, Configuration, Protocol, Room,
+// Settings).
 
 namespace zelmor::base::connection::databaseconnection {
 
@@ -18,7 +23,11 @@ using zelmor::domain::types::DatabaseConnectionError;
 
 DatabaseConnection::DatabaseConnection(bool mergeUserLevels, QObject* parent)
     : QObject(parent)
+    , cameraStore(new SqlCameraDatabaseConnection(nullptr))
     , configurationStore(new SqlConfigurationDatabaseConnection(nullptr))
+    , protocolStore(new SqlProtocolDatabaseConnection(mergeUserLevels, nullptr))
+    , roomStore(new SqlRoomDatabaseConnection(nullptr))
+    , settingsStore(new SqlSettingsDatabaseConnection(nullptr))
     , mergeUserLevels(mergeUserLevels)
 {
     // Early, so that a store used before initialize() reports through the facade too.
@@ -34,11 +43,13 @@ bool DatabaseConnection::setDependencies(ISqlConnection* applicationDatabase, IS
     if (!areDependenciesSet()) {
         return false;
     }
-    // Store by store, stopping the wiring at the first that refuses.
-    if (!configurationStore->setDependencies(configurationDatabase)) {
-        return false;
-    }
-    return true;
+    // Store by store in this order, stopping the wiring at the first that
+    // refuses: access, camera, alarm, configuration, chamber, program,
+    // protocol, recording, recordset, room, settings, user.
+    return cameraStore->setDependencies(applicationDatabase)
+           && configurationStore->setDependencies(configurationDatabase)
+           && protocolStore->setDependencies(applicationDatabase) && roomStore->setDependencies(applicationDatabase)
+           && settingsStore->setDependencies(applicationDatabase);
 }
 
 bool DatabaseConnection::areDependenciesSet() const
@@ -71,7 +82,15 @@ bool DatabaseConnection::isDatabaseVersionWrong() const
 void DatabaseConnection::connectSignals()
 {
     // In the order of the stores; a second call adds no second connection.
+    connect(cameraStore.data(), &SqlCameraDatabaseConnection::error, this, &DatabaseConnection::error,
+            Qt::UniqueConnection);
     connect(configurationStore.data(), &SqlConfigurationDatabaseConnection::error, this, &DatabaseConnection::error,
+            Qt::UniqueConnection);
+    connect(protocolStore.data(), &SqlProtocolDatabaseConnection::error, this, &DatabaseConnection::error,
+            Qt::UniqueConnection);
+    connect(roomStore.data(), &SqlRoomDatabaseConnection::error, this, &DatabaseConnection::error,
+            Qt::UniqueConnection);
+    connect(settingsStore.data(), &SqlSettingsDatabaseConnection::error, this, &DatabaseConnection::error,
             Qt::UniqueConnection);
 }
 
@@ -88,7 +107,7 @@ bool DatabaseConnection::initializeStores()
 {
     // In the order of the stores, stopping at the first false.
     const QList<IInitializing*> stores = {
-        configurationStore.data(),
+        cameraStore.data(), configurationStore.data(), protocolStore.data(), roomStore.data(), settingsStore.data(),
     };
     for (IInitializing* store : stores) {
         if (!store->initialize()) {

@@ -2,7 +2,11 @@
 
 #include "Base/Connection/DatabaseConnection/DatabaseSchema.h"
 #include "Base/Connection/DatabaseConnection/SqlQuery.h"
+#include "Domain/Api/ICameraDatabaseConnection.h"
 #include "Domain/Api/IConfigurationDatabaseConnection.h"
+#include "Domain/Api/IProtocolDatabaseConnection.h"
+#include "Domain/Api/IRoomDatabaseConnection.h"
+#include "Domain/Api/ISettingsDatabaseConnection.h"
 #include "Domain/Types/DatabaseConnectionError.h"
 
 #include <QList>
@@ -19,7 +23,11 @@ namespace zelmor::base::connection::databaseconnection {
 
 Q_DECLARE_LOGGING_CATEGORY(DATABASECONNECTION)
 
+class SqlCameraDatabaseConnection;
 class SqlConfigurationDatabaseConnection;
+class SqlProtocolDatabaseConnection;
+class SqlRoomDatabaseConnection;
+class SqlSettingsDatabaseConnection;
 
 // The one object through which the system reaches its persistent data: it owns
 // the stores, wires them to the two databases, checks the schema version and
@@ -32,7 +40,11 @@ class SqlConfigurationDatabaseConnection;
 // and reads the catalogue.
 class DatabaseConnection : public QObject,
                            public DatabaseSchema,
-                           public zelmor::domain::api::IConfigurationDatabaseConnection
+                           public zelmor::domain::api::ICameraDatabaseConnection,
+                           public zelmor::domain::api::IConfigurationDatabaseConnection,
+                           public zelmor::domain::api::IProtocolDatabaseConnection,
+                           public zelmor::domain::api::IRoomDatabaseConnection,
+                           public zelmor::domain::api::ISettingsDatabaseConnection
 {
     Q_OBJECT
 
@@ -69,6 +81,12 @@ public:
     bool createTableUserHasChamberSignalVisibilityPreference();
     bool createTableUserPreferences();
 
+    // ICameraDatabaseConnection
+    QList<zelmor::domain::types::Camera> getCameras(const zelmor::domain::types::RecordingId& recording) const override;
+    bool addCamera(zelmor::domain::types::Camera& camera) override;
+    bool updateCamera(const zelmor::domain::types::Camera& camera) override;
+    bool deleteCamera(const zelmor::domain::types::CameraId& id) override;
+
     // IConfigurationDatabaseConnection
     QList<zelmor::domain::types::ChamberTypeData> getAllChamberTypeData(bool withSignals) const override;
     QList<zelmor::domain::types::ChamberTypeData> getAllProgrammableChamberTypeData() const override;
@@ -96,6 +114,77 @@ public:
                               const zelmor::domain::types::SignalId& signalId, bool second) const override;
     zelmor::domain::types::Unit::UnitId getSignalUnitId(const zelmor::domain::types::SignalId& id) const override;
 
+    // IProtocolDatabaseConnection
+    bool addProtocolEntry(const zelmor::domain::types::ProtocolEntry& entry) override;
+    QList<zelmor::domain::types::ProtocolEntry>
+    getProtocolEntries(const zelmor::domain::types::TimeSpan& span,
+                       zelmor::domain::types::UserLevel level) const override;
+    QList<zelmor::domain::types::ProtocolEntry>
+    getProtocolEntries(const zelmor::domain::types::TimeSpan& span,
+                       const zelmor::domain::types::UserId& user) const override;
+    bool hasProtocolEntries(const zelmor::domain::types::UserId& user) const override;
+
+    // IRoomDatabaseConnection
+    QList<zelmor::domain::types::Room> getAllRooms() const override;
+    QUrl getRoomImagePath(const zelmor::domain::types::RoomId& id) const override;
+    bool addRoom(zelmor::domain::types::Room& room) override;
+    bool updateRoom(const zelmor::domain::types::Room& room) override;
+    bool deleteRoom(const zelmor::domain::types::RoomId& id) override;
+    zelmor::domain::types::RoomPosition getRoomPosition(const zelmor::domain::types::ChamberId& chamber) const override;
+    bool setRoomPosition(const zelmor::domain::types::ChamberId& chamber,
+                         const zelmor::domain::types::RoomPosition& position) override;
+    QList<zelmor::domain::types::ChamberId> getChambersInRoom(const zelmor::domain::types::RoomId& id) const override;
+
+    // ISettingsDatabaseConnection
+    QString getQuickRecordingNameTemplate() const override;
+    int getQuickRecordingSecondsInterval() const override;
+    bool isRecordingResumptionOnStartupEnabled() const override;
+    bool isAccessControlActive() const override;
+    bool areSecurityQuestionsActive() const override;
+    int getPasswordValidityPeriod() const override;
+    int getScreenLockTimeout() const override;
+    zelmor::domain::types::SmtpConfiguration getSmtpConfiguration() const override;
+    zelmor::domain::types::ReportConfiguration getReportConfiguration() const override;
+    bool isAlarmRepetitionEnabled() const override;
+    int getAlarmRepetitionIntervalInSeconds() const override;
+    int getPreAlarmDelayInSeconds() const override;
+    zelmor::domain::types::BackupScheduleConfiguration getBackupScheduleConfiguration() const override;
+    zelmor::domain::types::BackupCleanupSettings getBackupCleanupSettings() const override;
+    bool setQuickRecordingNameTemplate(const QString& nameTemplate) override;
+    bool setQuickRecordingSecondsInterval(int seconds) override;
+    bool setRecordingResumptionOnStartupEnabled(bool enabled) override;
+    bool setAccessControlActive(bool active) override;
+    bool setSecurityQuestionsActive(bool active) override;
+    bool setPasswordValidityPeriod(int days) override;
+    bool setScreenLockTimeout(int timeout) override;
+    bool setSmtpConfiguration(const zelmor::domain::types::SmtpConfiguration& configuration) override;
+    bool setReportConfiguration(const zelmor::domain::types::ReportConfiguration& configuration) override;
+    bool setAlarmRepetitionEnabled(bool enabled) override;
+    bool setAlarmRepetitionIntervalInSeconds(int seconds) override;
+    bool setPreAlarmDelayInSeconds(int seconds) override;
+    bool
+    setBackupScheduleConfiguration(const zelmor::domain::types::BackupScheduleConfiguration& configuration) override;
+    bool setBackupCleanupSettings(const zelmor::domain::types::BackupCleanupSettings& settings) override;
+    int getAllowedNumberOfFailedLogins() const override;
+    bool setAllowedNumberOfFailedLogins(int number) override;
+    zelmor::domain::types::ZelmorNetworkConfiguration getZelmorNetworkConfiguration() const override;
+    bool setZelmorNetworkConfiguration(const zelmor::domain::types::ZelmorNetworkConfiguration& configuration) override;
+    int getZelmorNumConnectionAttempts() const override;
+    bool setZelmorNumConnectionAttempts(int attempts) override;
+    bool isZelmorConnectionActive() const override;
+    bool setZelmorConnectionActive(bool active) override;
+    zelmor::domain::types::SirenBoxNetworkConfiguration getSirenBoxNetworkConfiguration() const override;
+    bool
+    setSirenBoxNetworkConfiguration(const zelmor::domain::types::SirenBoxNetworkConfiguration& configuration) override;
+    int getSirenBoxNumConnectionAttempts() const override;
+    bool setSirenBoxNumConnectionAttempts(int attempts) override;
+    bool isSirenBoxActive() const override;
+    bool setSirenBoxActive(bool active) override;
+    QStringList getRecipientMailAddresses() const override;
+    bool isMailAddressInRecipients(const QString& address) const override;
+    bool addMailAddressToRecipients(const QString& address) override;
+    bool deleteMailAddressFromRecipients(const QString& address) override;
+
 signals:
     // Passes on the stores' errors with their number. Connected from construction on.
     void error(zelmor::domain::types::DatabaseConnectionError error) const override;
@@ -112,8 +201,14 @@ private:
 
     zelmor::domain::api::ISqlConnection* applicationDatabase = nullptr;
     zelmor::domain::api::ISqlConnection* configurationDatabase = nullptr;
-    // The stores, without parents; so far the catalogue alone.
+    // The stores, without parents, in this order: access, alarm, camera,
+    // chamber, configuration, program, protocol, recording, recordset, room,
+    // settings, user. The others join in their places.
+    QSharedPointer<SqlCameraDatabaseConnection> cameraStore;
     QSharedPointer<SqlConfigurationDatabaseConnection> configurationStore;
+    QSharedPointer<SqlProtocolDatabaseConnection> protocolStore;
+    QSharedPointer<SqlRoomDatabaseConnection> roomStore;
+    QSharedPointer<SqlSettingsDatabaseConnection> settingsStore;
     bool mergeUserLevels;
     bool databaseVersionWrong = false;
 };

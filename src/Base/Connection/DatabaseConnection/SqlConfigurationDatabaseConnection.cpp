@@ -2,6 +2,7 @@
 
 #include "Base/Connection/DatabaseConnection/DatabaseSchema.h"
 #include "Base/Connection/DatabaseConnection/SqlQuery.h"
+#include "Base/Connection/DatabaseConnection/SqlRow.h"
 #include "Base/Connection/DatabaseConnection/sqlhelper.h"
 #include "Domain/Api/ISqlConnection.h"
 #include "Domain/Types/ChamberOption.h"
@@ -11,11 +12,6 @@
 #include "Domain/Types/ControlSignal.h"
 #include "Domain/Types/ControllerAddress.h"
 #include "Domain/Types/DefaultToleranceRange.h"
-#include "Domain/Types/UserLevel.h"
-
-#include <QRegExp>
-
-#include <limits>
 
 namespace zelmor::base::connection::databaseconnection {
 
@@ -24,17 +20,13 @@ Q_LOGGING_CATEGORY(SQLCONFIGURATIONDATABASECONNECTION, "zelmor.SqlConfigurationD
 using namespace zelmor::domain::types;
 using zelmor::domain::api::AdditionalInfoProperty;
 using zelmor::domain::api::ChamberTypeHasAdditionalInfoProperty;
-using zelmor::domain::api::ChamberTypeHasControlSignalsProperty;
-using zelmor::domain::api::ChamberTypeHasDataloggerSignalProperty;
 using zelmor::domain::api::ChamberTypeHasOptionsProperty;
 using zelmor::domain::api::ChamberTypeHasProtocolProperty;
 using zelmor::domain::api::ChamberTypeHasSignalProperty;
 using zelmor::domain::api::ChamberTypeHasTestSignalProperty;
 using zelmor::domain::api::ChamberTypeHasToleranceRangeProperty;
 using zelmor::domain::api::ChamberTypeProperty;
-using zelmor::domain::api::ControllerDataProperty;
 using zelmor::domain::api::ControllerProperty;
-using zelmor::domain::api::ControlSignalsProperty;
 using zelmor::domain::api::DefaultToleranceRangeProperty;
 using zelmor::domain::api::ISqlConnection;
 using zelmor::domain::api::OptionsProperty;
@@ -46,92 +38,40 @@ namespace {
 // The facade's names, as DatabaseConnection inherits them.
 using DC = DatabaseSchema;
 
-constexpr int signalColumnCount = 16;
-constexpr int chamberTypeColumnCount = 14;
-constexpr int matchingSignalColumnCount = signalColumnCount + 1;
-constexpr int defaultToleranceRangeColumnCount = 8;
-constexpr int controllerAddressColumnCount = 6;
-constexpr int optionColumnCount = 2;
-constexpr int controlSignalColumnCount = 6;
-
-// Positions in the signal row layout.
-enum SignalColumn {
-    SIGNAL_ID,
-    SIGNAL_NAME,
-    SIGNAL_UNIT,
-    SIGNAL_USER_LEVEL,
-    SIGNAL_LIMIT_MIN,
-    SIGNAL_LIMIT_MAX,
-    SIGNAL_BITPOSITION,
-    SIGNAL_TIME_PROGRAMMABLE,
-    SIGNAL_WEEK_PROGRAMMABLE,
-    SIGNAL_VALUE_TYPE,
-    SIGNAL_SIGNAL_TYPE,
-    SIGNAL_SET_POINT_SIGNAL,
-    SIGNAL_READ,
-    SIGNAL_WRITE_BASIC,
-    SIGNAL_WRITE_MANUAL,
-    SIGNAL_WRITE_AUTO
+// Positions in the chamber type row layout: the table's columns in order.
+enum ChamberTypeColumn {
+    TYPE_ID,
+    TYPE_TYPE,
+    TYPE_DEVELOPEMENT_STATE,
+    TYPE_SIZE,
+    TYPE_VOLTAGE,
+    TYPE_IMAGE,
+    TYPE_DESCRIPTION,
+    TYPE_FIRMWARE_START,
+    TYPE_FIRMWARE_ENDE,
+    TYPE_SETUP_KENNUNG,
+    TYPE_SETUP_VERSION_START,
+    TYPE_SETUP_VERSION_ENDE,
+    TYPE_KENNUNG_PROGRAMME,
+    TYPE_CONTROLLER_ID,
+    TYPE_COLUMNS
 };
 
-// The columns of the signal row layout, in its order.
-const SignalProperty signalLayout[signalColumnCount] = {
-    SignalProperty::ID,
-    SignalProperty::NAME,
-    SignalProperty::UNIT,
-    SignalProperty::USER_LEVEL,
-    SignalProperty::LIMIT_MIN,
-    SignalProperty::LIMIT_MAX,
-    SignalProperty::BITPOSITION,
-    SignalProperty::TIME_PROGRAMMABLE,
-    SignalProperty::WEEK_PROGRAMMABLE,
-    SignalProperty::VALUE_TYPE,
-    SignalProperty::SIGNAL_TYPE,
-    SignalProperty::SET_POINT_SIGNAL,
-    SignalProperty::READ,
-    SignalProperty::WRITE_BASIC,
-    SignalProperty::WRITE_MANUAL,
-    SignalProperty::WRITE_AUTO,
+// Positions in the default tolerance range row layout.
+enum RangeColumn {
+    RANGE_NAME,
+    RANGE_SET_POINT,
+    RANGE_PROCESS_VALUE,
+    RANGE_MIN,
+    RANGE_MAX,
+    RANGE_DELAY1,
+    RANGE_DELAY2,
+    RANGE_UNIT,
+    RANGE_COLUMNS
 };
 
-QList<SqlQuery::TableColumnPair> signalTableColumnPairs(const QString& table)
-{
-    QList<SqlQuery::TableColumnPair> pairs;
-    pairs.reserve(signalColumnCount);
-    for (SignalProperty property : signalLayout) {
-        pairs.append({table, DC::lookupSignalColumnName(property)});
-    }
-    return pairs;
-}
-
-// " SELECT signal_id FROM chamber_type_has_signal WHERE chamber_type_id = ?"
-SqlQuery signalIdsOfType(quint64 typeId)
-{
-    SqlQuery query;
-    query.selectColumn(DC::lookupChamberTypeHasSignalColumnName(ChamberTypeHasSignalProperty::SIGNAL_ID))
-        .fromTable(DC::lookupChamberTypeHasSignalTableName())
-        .whereColumn(DC::lookupChamberTypeHasSignalColumnName(ChamberTypeHasSignalProperty::CHAMBER_TYPE_ID))
-        .equals(typeId);
-    return query;
-}
-
-// The signal ids of a type, joined to the signal table so that a signal column
-// can narrow them down.
-SqlQuery signalIdsOfTypeWhere(quint64 typeId, SignalProperty property, const QVariant& value)
-{
-    const QString links = DC::lookupChamberTypeHasSignalTableName();
-    const QString signalTable = DC::lookupSignalTableName();
-    SqlQuery query;
-    query.selectColumn(DC::lookupChamberTypeHasSignalColumnName(ChamberTypeHasSignalProperty::SIGNAL_ID))
-        .fromTable(links)
-        .joinOnMatch({{links, DC::lookupChamberTypeHasSignalColumnName(ChamberTypeHasSignalProperty::SIGNAL_ID)},
-                      {signalTable, DC::lookupSignalColumnName(SignalProperty::ID)}})
-        .whereColumn(DC::lookupChamberTypeHasSignalColumnName(ChamberTypeHasSignalProperty::CHAMBER_TYPE_ID))
-        .equals(typeId)
-        .andColumn(DC::lookupSignalColumnName(property))
-        .equals(value);
-    return query;
-}
+// Positions in a row of "options".
+enum OptionColumn { OPTION_NAME, OPTION_FIX, OPTION_COLUMNS };
 
 // " SELECT tolerance_range_id FROM chamber_type_has_tolerance_range WHERE chamber_type_id = ?"
 SqlQuery toleranceRangeIdsOfType(quint64 typeId)
@@ -155,47 +95,12 @@ SqlQuery selectValueById(const QString& table, const QString& column, const QStr
     return query;
 }
 
-// The statement that selects the signal columns of the given signals.
-SqlQuery selectSignalsIn(const SqlQuery& signalIds)
-{
-    SqlQuery query;
-    query.selectColumns(SqlConfigurationDatabaseConnection::prepareChamberSignalColumnNames())
-        .fromTable(DC::lookupSignalTableName())
-        .whereColumn(DC::lookupSignalColumnName(SignalProperty::ID))
-        .inSelectQuery(signalIds);
-    return query;
-}
-
-SignalId toSignalId(const QVariant& value)
-{
-    return sqlhelper::readIntSqlValue(value, -1);
-}
-
-QSharedPointer<ControllerAddress> noAddress()
-{
-    return QSharedPointer<ControllerAddress>();
-}
-
 } // namespace
-
-QList<SqlQuery::TableColumnPair> SqlConfigurationDatabaseConnection::prepareDefaultToleranceRangeTableColumnPairs()
-{
-    const QString ranges = DC::lookupDefaultToleranceRangeTableName();
-    return {
-        {ranges, DC::lookupDefaultToleranceRangeColumnName(DefaultToleranceRangeProperty::NAME)},
-        {ranges, DC::lookupDefaultToleranceRangeColumnName(DefaultToleranceRangeProperty::SET_POINT)},
-        {ranges, DC::lookupDefaultToleranceRangeColumnName(DefaultToleranceRangeProperty::PROCESS_VALUE)},
-        {ranges, DC::lookupDefaultToleranceRangeColumnName(DefaultToleranceRangeProperty::RANGE_MIN)},
-        {ranges, DC::lookupDefaultToleranceRangeColumnName(DefaultToleranceRangeProperty::RANGE_MAX)},
-        {ranges, DC::lookupDefaultToleranceRangeColumnName(DefaultToleranceRangeProperty::DELAY1)},
-        {ranges, DC::lookupDefaultToleranceRangeColumnName(DefaultToleranceRangeProperty::DELAY2)},
-        {DC::lookupSignalTableName(), DC::lookupSignalColumnName(SignalProperty::UNIT)},
-    };
-}
 
 SqlConfigurationDatabaseConnection::SqlConfigurationDatabaseConnection(QObject* parent)
     : QObject(parent)
-    , connection(nullptr)
+    , checks(this, SQLCONFIGURATIONDATABASECONNECTION)
+    , signalReader(checks)
 {
 }
 
@@ -204,6 +109,7 @@ SqlConfigurationDatabaseConnection::~SqlConfigurationDatabaseConnection() = defa
 bool SqlConfigurationDatabaseConnection::setDependencies(ISqlConnection* connection)
 {
     this->connection = connection;
+    signalReader.setConnection(connection);
     return connection != nullptr;
 }
 
@@ -214,35 +120,25 @@ bool SqlConfigurationDatabaseConnection::areDependenciesSet() const
 
 bool SqlConfigurationDatabaseConnection::initialize()
 {
-    if (!checkDependencies("initialize")) {
-        return false;
-    }
     // The core of the catalogue; the other tables are optional parts.
-    const QStringList requiredTables = {
-        DC::lookupAdditionalInfoTableName(),
-        DC::lookupChamberTypeHasAdditionalInfoTableName(),
-        DC::lookupChamberTypeHasProtocolTableName(),
-        DC::lookupChamberTypeHasSignalTableName(),
-        DC::lookupChamberTypeTableName(),
-        DC::lookupControllerTableName(),
-        DC::lookupControllerDataTableName(),
-        DC::lookupProtocolTableName(),
-        DC::lookupSignalTableName(),
-        DC::lookupValueTypeTableName(),
-    };
-    for (const QString& table : requiredTables) {
-        if (!connection->containsTable(table)) {
-            qCCritical(SQLCONFIGURATIONDATABASECONNECTION) << "The configuration database lacks the table" << table;
-            emit error(MISSING_TABLE);
-            return false;
-        }
-    }
-    return true;
+    return checks.hasDependencies("initialize")
+           && checks.hasTables(*connection, {
+                                                DC::lookupAdditionalInfoTableName(),
+                                                DC::lookupChamberTypeHasAdditionalInfoTableName(),
+                                                DC::lookupChamberTypeHasProtocolTableName(),
+                                                DC::lookupChamberTypeHasSignalTableName(),
+                                                DC::lookupChamberTypeTableName(),
+                                                DC::lookupControllerTableName(),
+                                                DC::lookupControllerDataTableName(),
+                                                DC::lookupProtocolTableName(),
+                                                DC::lookupSignalTableName(),
+                                                DC::lookupValueTypeTableName(),
+                                            });
 }
 
 QList<ChamberTypeData> SqlConfigurationDatabaseConnection::getAllChamberTypeData(bool withSignals) const
 {
-    if (!checkDependencies("getAllChamberTypeData")) {
+    if (!checks.hasDependencies("getAllChamberTypeData")) {
         return {};
     }
     SqlQuery query;
@@ -251,14 +147,14 @@ QList<ChamberTypeData> SqlConfigurationDatabaseConnection::getAllChamberTypeData
     QList<ChamberTypeData> result;
     const QList<QList<QVariant>> rows = connection->fetch(query);
     for (const QList<QVariant>& row : rows) {
-        result.append(parseChamberTypeDataRow(row, chamberTypeColumnCount, withSignals, 0));
+        result.append(parseChamberTypeDataRow(row, TYPE_COLUMNS, withSignals, 0));
     }
     return result;
 }
 
 QList<ChamberTypeData> SqlConfigurationDatabaseConnection::getAllProgrammableChamberTypeData() const
 {
-    if (!checkDependencies("getAllProgrammableChamberTypeData")) {
+    if (!checks.hasDependencies("getAllProgrammableChamberTypeData")) {
         return {};
     }
     SqlQuery programmableSignals;
@@ -280,14 +176,14 @@ QList<ChamberTypeData> SqlConfigurationDatabaseConnection::getAllProgrammableCha
     QList<ChamberTypeData> result;
     const QList<QList<QVariant>> rows = connection->fetch(query);
     for (const QList<QVariant>& row : rows) {
-        result.append(parseChamberTypeDataRow(row, chamberTypeColumnCount, false, 0));
+        result.append(parseChamberTypeDataRow(row, TYPE_COLUMNS, false, 0));
     }
     return result;
 }
 
 ChamberTypeData SqlConfigurationDatabaseConnection::getChamberTypeData(const ChamberTypeId& id, bool withSignals) const
 {
-    if (!checkDependencies("getChamberTypeData")) {
+    if (!checks.hasDependencies("getChamberTypeData")) {
         return ChamberTypeData();
     }
     SqlQuery query;
@@ -296,12 +192,13 @@ ChamberTypeData SqlConfigurationDatabaseConnection::getChamberTypeData(const Cha
         .whereColumn(DC::lookupChamberTypeColumnName(ChamberTypeProperty::ID))
         .equals(id.typeId);
 
-    const QList<ChamberTypeData> variants = parseChamberTypeDataRow(
-        connection->fetchSingleRow(query), chamberTypeColumnCount, withSignals, id.additionalInfoId);
+    const QList<ChamberTypeData> variants =
+        parseChamberTypeDataRow(connection->fetchSingleRow(query), TYPE_COLUMNS, withSignals, id.additionalInfoId);
     if (variants.size() > 1) {
-        qCWarning(SQLCONFIGURATIONDATABASECONNECTION) << "Chamber type" << id.typeId << "has" << variants.size()
-                                                      << "variants; an additional info id must choose one";
-        emit error(UNEXPECTED_RESULT);
+        checks.reportUnexpected("getChamberTypeData",
+                                QStringLiteral("Chamber type %1 has %2 variants; an additional info id must choose one")
+                                    .arg(id.typeId)
+                                    .arg(variants.size()));
         return ChamberTypeData();
     }
     return variants.isEmpty() ? ChamberTypeData() : variants.first();
@@ -309,153 +206,72 @@ ChamberTypeData SqlConfigurationDatabaseConnection::getChamberTypeData(const Cha
 
 QMap<int, ChamberSignal> SqlConfigurationDatabaseConnection::getChamberSignals(const ChamberTypeId& id) const
 {
-    if (!checkDependencies("getChamberSignals")) {
+    if (!checks.hasDependencies("getChamberSignals")) {
         return {};
     }
-    return getChamberSignals(selectSignalsIn(signalIdsOfType(id.typeId)), signalColumnCount);
+    return signalReader.getChamberSignals(id.typeId);
 }
 
 QList<std::pair<ChamberSignal, DefaultToleranceRange>>
 SqlConfigurationDatabaseConnection::getTimeProgrammableChamberSignals(const ChamberTypeId& id) const
 {
-    if (!checkDependencies("getTimeProgrammableChamberSignals")) {
+    if (!checks.hasDependencies("getTimeProgrammableChamberSignals")) {
         return {};
     }
-    const QString signalTable = DC::lookupSignalTableName();
-    const QString registers = DC::lookupControllerDataTableName();
-    SqlQuery query;
-    query.selectTableColumns(signalTableColumnPairs(signalTable))
-        .fromTable(signalTable)
-        // The inner join leaves out signals without a manual write register.
-        .joinOnMatch({{signalTable, DC::lookupSignalColumnName(SignalProperty::WRITE_MANUAL)},
-                      {registers, DC::lookupControllerDataColumnName(ControllerDataProperty::ID)}})
-        .whereTableColumn({signalTable, DC::lookupSignalColumnName(SignalProperty::ID)})
-        .inSelectQuery(signalIdsOfTypeWhere(id.typeId, SignalProperty::TIME_PROGRAMMABLE, true))
-        .orderBy(DC::lookupControllerDataColumnName(ControllerDataProperty::SET_POINT_NR), SqlQuery::ASC);
-
     QList<std::pair<ChamberSignal, DefaultToleranceRange>> result;
-    const ChamberSignal emptySignal;
-    const QList<QList<QVariant>> rows = connection->fetch(query);
-    for (const QList<QVariant>& row : rows) {
-        const ChamberSignal signal = parseChamberSignalTableRow(row, signalColumnCount);
-        if (signal != emptySignal) {
-            result.append({signal, getDefaultToleranceRange(id, signal.id, true)});
-        }
+    for (const ChamberSignal& signal : signalReader.getTimeProgrammableChamberSignals(id.typeId)) {
+        result.append({signal, getDefaultToleranceRange(id, signal.id, true)});
     }
     return result;
 }
 
 QMap<int, ChamberSignal> SqlConfigurationDatabaseConnection::getSetpointChamberSignals(const ChamberTypeId& id) const
 {
-    if (!checkDependencies("getSetpointChamberSignals")) {
+    if (!checks.hasDependencies("getSetpointChamberSignals")) {
         return {};
     }
-    const QString setPointText = DC::signalTypeMap.key(ChamberSignal::SET_POINT);
-    return getChamberSignals(
-        selectSignalsIn(signalIdsOfTypeWhere(id.typeId, SignalProperty::SIGNAL_TYPE, setPointText)), signalColumnCount);
+    return signalReader.getSetpointChamberSignals(id.typeId);
 }
 
 QMap<int, ChamberSignal> SqlConfigurationDatabaseConnection::getChamberSignals(QList<SignalId> ids) const
 {
-    if (!checkDependencies("getChamberSignals")) {
+    if (!checks.hasDependencies("getChamberSignals")) {
         return {};
     }
-    SqlQuery query;
-    query.selectColumns(prepareChamberSignalColumnNames())
-        .fromTable(DC::lookupSignalTableName())
-        .whereColumn(DC::lookupSignalColumnName(SignalProperty::ID))
-        .inList(ids);
-    return getChamberSignals(query, signalColumnCount);
+    return signalReader.getChamberSignals(ids);
 }
 
 QSharedPointer<ChamberSignal> SqlConfigurationDatabaseConnection::getChamberSignal(const SignalId& id) const
 {
-    if (!checkDependencies("getChamberSignal")) {
+    if (!checks.hasDependencies("getChamberSignal")) {
         return {};
     }
-    const QMap<int, ChamberSignal> signalMap = getChamberSignals(QList<SignalId>{id});
-    if (signalMap.size() != 1 || signalMap.firstKey() != id) {
-        qCWarning(SQLCONFIGURATIONDATABASECONNECTION) << "Signal" << id << "is not in the catalogue, or not once";
-        emit error(UNEXPECTED_RESULT);
-        return {};
-    }
-    return QSharedPointer<ChamberSignal>::create(signalMap.first());
+    return signalReader.getChamberSignal(id);
 }
 
 QMap<SignalId, ChamberSignal>
 SqlConfigurationDatabaseConnection::getMatchingSignals(const ChamberTypeId& source,
                                                        const ChamberTypeId& destination) const
 {
-    if (!checkDependencies("getMatchingSignals")) {
+    if (!checks.hasDependencies("getMatchingSignals")) {
         return {};
     }
-    const QString signalTable = DC::lookupSignalTableName();
-    const QString sourceAlias = QStringLiteral("source_") + signalTable;
-    const QString destinationAlias = QStringLiteral("destination_") + signalTable;
-    const QString idColumn = DC::lookupSignalColumnName(SignalProperty::ID);
-    const QString valueTypeColumn = DC::lookupSignalColumnName(SignalProperty::VALUE_TYPE);
-
-    QList<SqlQuery::TableColumnPair> columns = signalTableColumnPairs(sourceAlias);
-    columns.append({destinationAlias, idColumn});
-    SqlQuery query;
-    query.selectTableColumns(columns)
-        .fromTable(signalTable, sourceAlias)
-        .joinOnMatch({{sourceAlias, valueTypeColumn}, {destinationAlias, valueTypeColumn}}, signalTable)
-        .whereTableColumn({sourceAlias, idColumn})
-        .inSelectQuery(signalIdsOfType(source.typeId))
-        .andTableColumn({destinationAlias, idColumn})
-        .inSelectQuery(signalIdsOfType(destination.typeId));
-
-    QMap<SignalId, ChamberSignal> result;
-    const QList<QList<QVariant>> rows = connection->fetch(query);
-    for (const QList<QVariant>& row : rows) {
-        if (row.size() != matchingSignalColumnCount) {
-            reportUnexpectedRow("getMatchingSignals", row.size(), matchingSignalColumnCount);
-            continue;
-        }
-        result.insert(toSignalId(row.last()),
-                      parseChamberSignalTableRow(row.mid(0, signalColumnCount), signalColumnCount));
-    }
-    return result;
+    return signalReader.getMatchingSignals(source.typeId, destination.typeId);
 }
 
 QList<ChamberSignal> SqlConfigurationDatabaseConnection::getDataloggerChamberSignal(const ChamberTypeId& id) const
 {
-    if (!checkDependencies("getDataloggerChamberSignal")) {
+    if (!checks.hasDependencies("getDataloggerChamberSignal")) {
         return {};
     }
-    const QString signalTable = DC::lookupSignalTableName();
-    const QString channels = DC::lookupChamberTypeHasDataloggerSignalTableName();
-    SqlQuery query;
-    query.selectTableColumns(signalTableColumnPairs(signalTable))
-        .fromTable(signalTable)
-        .joinOnMatch({{signalTable, DC::lookupSignalColumnName(SignalProperty::ID)},
-                      {channels, DC::lookupChamberTypeHasDataloggerSignalColumnName(
-                                     ChamberTypeHasDataloggerSignalProperty::DATALOGGER_SIGNAL_ID)}})
-        .whereTableColumn({channels, DC::lookupChamberTypeHasDataloggerSignalColumnName(
-                                         ChamberTypeHasDataloggerSignalProperty::CHAMBER_TYPE_ID)})
-        .equals(id.typeId)
-        .orderByTableColumn({channels, DC::lookupChamberTypeHasDataloggerSignalColumnName(
-                                           ChamberTypeHasDataloggerSignalProperty::CHANNEL)},
-                            SqlQuery::ASC);
-
-    QList<ChamberSignal> result;
-    const ChamberSignal emptySignal;
-    const QList<QList<QVariant>> rows = connection->fetch(query);
-    for (const QList<QVariant>& row : rows) {
-        const ChamberSignal signal = parseChamberSignalTableRow(row, signalColumnCount);
-        if (signal != emptySignal) {
-            result.append(signal);
-        }
-    }
-    return result;
+    return signalReader.getDataloggerChamberSignal(id.typeId);
 }
 
 DefaultToleranceRange SqlConfigurationDatabaseConnection::getDefaultToleranceRange(const ChamberTypeId& id,
                                                                                    const SignalId& signalId,
                                                                                    bool isSetPoint) const
 {
-    if (!checkDependencies("getDefaultToleranceRange")) {
+    if (!checks.hasDependencies("getDefaultToleranceRange")) {
         return DefaultToleranceRange();
     }
     const QString ranges = DC::lookupDefaultToleranceRangeTableName();
@@ -471,12 +287,14 @@ DefaultToleranceRange SqlConfigurationDatabaseConnection::getDefaultToleranceRan
         .andTableColumn({ranges, signalColumn})
         .equals(signalId);
 
-    const QList<DefaultToleranceRange> found = getDefaultToleranceRanges(query, defaultToleranceRangeColumnCount);
+    const QList<DefaultToleranceRange> found = getDefaultToleranceRanges(query, RANGE_COLUMNS);
     if (found.size() > 1) {
-        qCWarning(SQLCONFIGURATIONDATABASECONNECTION)
-            << "Chamber type" << id.typeId << "has" << found.size() << "default tolerance ranges for signal" << signalId
-            << "; the first one counts";
-        emit error(UNEXPECTED_RESULT);
+        checks.reportUnexpected(
+            "getDefaultToleranceRange",
+            QStringLiteral("Chamber type %1 has %2 default tolerance ranges for signal %3; the first one counts")
+                .arg(id.typeId)
+                .arg(found.size())
+                .arg(signalId));
     }
     return found.isEmpty() ? DefaultToleranceRange() : found.first();
 }
@@ -484,7 +302,7 @@ DefaultToleranceRange SqlConfigurationDatabaseConnection::getDefaultToleranceRan
 int SqlConfigurationDatabaseConnection::getChamberSignalDelay(const ChamberTypeId& id, const SignalId& signalId,
                                                               bool second) const
 {
-    if (!checkDependencies("getChamberSignalDelay")) {
+    if (!checks.hasDependencies("getChamberSignalDelay")) {
         return 0;
     }
     SqlQuery query;
@@ -508,7 +326,7 @@ int SqlConfigurationDatabaseConnection::getChamberSignalDelay(const ChamberTypeI
 
 Unit::UnitId SqlConfigurationDatabaseConnection::getSignalUnitId(const SignalId& id) const
 {
-    if (!checkDependencies("getSignalUnitId")) {
+    if (!checks.hasDependencies("getSignalUnitId")) {
         return Unit::UnitId(0);
     }
     return Unit::toUnitId(getChamberSignalProperty(id, SignalProperty::UNIT).toString());
@@ -516,37 +334,20 @@ Unit::UnitId SqlConfigurationDatabaseConnection::getSignalUnitId(const SignalId&
 
 std::pair<QMetaType::Type, int> SqlConfigurationDatabaseConnection::splitToVariableTypeAndArraySize(const QString& text)
 {
-    // Most registers are scalars: without a bracket the split has one part.
-    if (!text.contains(QLatin1Char('[')) && !text.contains(QLatin1Char(']'))) {
-        return {DC::variableTypeMap.value(text, QMetaType::UnknownType), 1};
-    }
-    static const QRegExp brackets(QStringLiteral("(\\[|\\])"));
-    const QStringList parts = text.split(brackets, Qt::KeepEmptyParts);
-    const QMetaType::Type type = DC::variableTypeMap.value(parts.value(0), QMetaType::UnknownType);
-    const int arraySize = parts.size() > 1 ? parts.at(1).toInt(nullptr, 10) : 1;
-    return {type, arraySize};
+    return SqlChamberSignalReader::splitToVariableTypeAndArraySize(text);
 }
 
 QStringList SqlConfigurationDatabaseConnection::prepareChamberSignalColumnNames()
 {
-    // Built once: a full catalogue read names these columns thousands of times.
-    static const QStringList names = [] {
-        QStringList list;
-        list.reserve(signalColumnCount);
-        for (SignalProperty property : signalLayout) {
-            list.append(DC::lookupSignalColumnName(property));
-        }
-        return list;
-    }();
-    return names;
+    return SqlChamberSignalReader::prepareChamberSignalColumnNames();
 }
 
 QStringList SqlConfigurationDatabaseConnection::getChamberTypeColumnNames()
 {
     static const QStringList names = [] {
         QStringList list;
-        list.reserve(chamberTypeColumnCount);
-        for (int column = int(ChamberTypeProperty::ID); column <= int(ChamberTypeProperty::CONTROLLER_ID); ++column) {
+        list.reserve(TYPE_COLUMNS);
+        for (int column = TYPE_ID; column < TYPE_COLUMNS; ++column) {
             list.append(DC::lookupChamberTypeColumnName(ChamberTypeProperty(column)));
         }
         return list;
@@ -554,22 +355,32 @@ QStringList SqlConfigurationDatabaseConnection::getChamberTypeColumnNames()
     return names;
 }
 
+QList<SqlQuery::TableColumnPair> SqlConfigurationDatabaseConnection::prepareDefaultToleranceRangeTableColumnPairs()
+{
+    const QString ranges = DC::lookupDefaultToleranceRangeTableName();
+    return {
+        {ranges, DC::lookupDefaultToleranceRangeColumnName(DefaultToleranceRangeProperty::NAME)},
+        {ranges, DC::lookupDefaultToleranceRangeColumnName(DefaultToleranceRangeProperty::SET_POINT)},
+        {ranges, DC::lookupDefaultToleranceRangeColumnName(DefaultToleranceRangeProperty::PROCESS_VALUE)},
+        {ranges, DC::lookupDefaultToleranceRangeColumnName(DefaultToleranceRangeProperty::RANGE_MIN)},
+        {ranges, DC::lookupDefaultToleranceRangeColumnName(DefaultToleranceRangeProperty::RANGE_MAX)},
+        {ranges, DC::lookupDefaultToleranceRangeColumnName(DefaultToleranceRangeProperty::DELAY1)},
+        {ranges, DC::lookupDefaultToleranceRangeColumnName(DefaultToleranceRangeProperty::DELAY2)},
+        {DC::lookupSignalTableName(), DC::lookupSignalColumnName(SignalProperty::UNIT)},
+    };
+}
+
 QList<quint64> SqlConfigurationDatabaseConnection::getAdditionalInfoIds(unsigned long long typeId) const
 {
-    if (!checkDependencies("getAdditionalInfoIds")) {
+    if (!checks.hasDependencies("getAdditionalInfoIds")) {
         return {};
     }
-    SqlQuery query;
-    query
-        .selectColumn(
-            DC::lookupChamberTypeHasAdditionalInfoColumnName(ChamberTypeHasAdditionalInfoProperty::ADDITIONAL_INFO_ID))
-        .fromTable(DC::lookupChamberTypeHasAdditionalInfoTableName())
-        .whereColumn(
-            DC::lookupChamberTypeHasAdditionalInfoColumnName(ChamberTypeHasAdditionalInfoProperty::CHAMBER_TYPE_ID))
-        .equals(typeId);
-
     QList<quint64> ids;
-    const QList<QVariant> values = connection->fetchSingleColumn(query);
+    const QList<QVariant> values = connection->fetchSingleColumn(selectValueById(
+        DC::lookupChamberTypeHasAdditionalInfoTableName(),
+        DC::lookupChamberTypeHasAdditionalInfoColumnName(ChamberTypeHasAdditionalInfoProperty::ADDITIONAL_INFO_ID),
+        DC::lookupChamberTypeHasAdditionalInfoColumnName(ChamberTypeHasAdditionalInfoProperty::CHAMBER_TYPE_ID),
+        typeId));
     ids.reserve(values.size());
     for (const QVariant& value : values) {
         ids.append(value.toULongLong());
@@ -579,7 +390,7 @@ QList<quint64> SqlConfigurationDatabaseConnection::getAdditionalInfoIds(unsigned
 
 QVariant SqlConfigurationDatabaseConnection::getAdditionalInfoProperty(int id, AdditionalInfoProperty property) const
 {
-    if (!checkDependencies("getAdditionalInfoProperty")) {
+    if (!checks.hasDependencies("getAdditionalInfoProperty")) {
         return {};
     }
     return connection->fetchSingleValue(
@@ -589,7 +400,7 @@ QVariant SqlConfigurationDatabaseConnection::getAdditionalInfoProperty(int id, A
 
 QVariant SqlConfigurationDatabaseConnection::getControllerProperty(int id, ControllerProperty property) const
 {
-    if (!checkDependencies("getControllerProperty")) {
+    if (!checks.hasDependencies("getControllerProperty")) {
         return {};
     }
     return connection->fetchSingleValue(selectValueById(DC::lookupControllerTableName(),
@@ -599,27 +410,22 @@ QVariant SqlConfigurationDatabaseConnection::getControllerProperty(int id, Contr
 
 QVariant SqlConfigurationDatabaseConnection::getValueTypeProperty(int id, ValueTypeProperty property) const
 {
-    if (!checkDependencies("getValueTypeProperty")) {
+    if (!checks.hasDependencies("getValueTypeProperty")) {
         return {};
     }
-    return connection->fetchSingleValue(selectValueById(DC::lookupValueTypeTableName(),
-                                                        DC::lookupValueTypeColumnName(property),
-                                                        DC::lookupValueTypeColumnName(ValueTypeProperty::ID), id));
+    return signalReader.getValueTypeProperty(id, property);
 }
 
 QList<ChamberProtocol> SqlConfigurationDatabaseConnection::getSupportedProtocols(const ChamberTypeId& id) const
 {
-    if (!checkDependencies("getSupportedProtocols")) {
+    if (!checks.hasDependencies("getSupportedProtocols")) {
         return {};
     }
-    SqlQuery query;
-    query.selectColumn(DC::lookupChamberTypeHasProtocolColumnName(ChamberTypeHasProtocolProperty::PROTOCOL_ID))
-        .fromTable(DC::lookupChamberTypeHasProtocolTableName())
-        .whereColumn(DC::lookupChamberTypeHasProtocolColumnName(ChamberTypeHasProtocolProperty::CHAMBER_TYPE_ID))
-        .equals(id.typeId);
-
     QList<ChamberProtocol> protocols;
-    const QList<QVariant> values = connection->fetchSingleColumn(query);
+    const QList<QVariant> values = connection->fetchSingleColumn(selectValueById(
+        DC::lookupChamberTypeHasProtocolTableName(),
+        DC::lookupChamberTypeHasProtocolColumnName(ChamberTypeHasProtocolProperty::PROTOCOL_ID),
+        DC::lookupChamberTypeHasProtocolColumnName(ChamberTypeHasProtocolProperty::CHAMBER_TYPE_ID), id.typeId));
     protocols.reserve(values.size());
     for (const QVariant& value : values) {
         // Taken over as the number it is, known or not.
@@ -631,24 +437,15 @@ QList<ChamberProtocol> SqlConfigurationDatabaseConnection::getSupportedProtocols
 QMap<int, ChamberSignal> SqlConfigurationDatabaseConnection::getChamberSignals(const SqlQuery& query,
                                                                                int expectedColumns) const
 {
-    if (!checkDependencies("getChamberSignals")) {
+    if (!checks.hasDependencies("getChamberSignals")) {
         return {};
     }
-    QMap<int, ChamberSignal> result;
-    const ChamberSignal emptySignal;
-    const QList<QList<QVariant>> rows = connection->fetch(query);
-    for (const QList<QVariant>& row : rows) {
-        const ChamberSignal signal = parseChamberSignalTableRow(row, expectedColumns);
-        if (signal != emptySignal) {
-            result.insert(signal.id, signal);
-        }
-    }
-    return result;
+    return signalReader.getChamberSignals(query, expectedColumns);
 }
 
 SignalId SqlConfigurationDatabaseConnection::getChamberTypeTestSignalId(const ChamberTypeId& id) const
 {
-    if (!checkDependencies("getChamberTypeTestSignalId")) {
+    if (!checks.hasDependencies("getChamberTypeTestSignalId")) {
         return 0;
     }
     // The plain conversion, with no fallback: a type without a test signal gives 0.
@@ -662,7 +459,7 @@ SignalId SqlConfigurationDatabaseConnection::getChamberTypeTestSignalId(const Ch
 
 QVariant SqlConfigurationDatabaseConnection::getChamberSignalProperty(const SignalId& id, SignalProperty property) const
 {
-    if (!checkDependencies("getChamberSignalProperty")) {
+    if (!checks.hasDependencies("getChamberSignalProperty")) {
         return {};
     }
     return connection->fetchSingleValue(selectValueById(DC::lookupSignalTableName(),
@@ -673,119 +470,43 @@ QVariant SqlConfigurationDatabaseConnection::getChamberSignalProperty(const Sign
 QSharedPointer<ControllerAddress>
 SqlConfigurationDatabaseConnection::getControllerAddress(const ControllerAddressId& id) const
 {
-    if (!checkDependencies("getControllerAddress")) {
+    if (!checks.hasDependencies("getControllerAddress")) {
         return {};
     }
-    // Read once per signal and register: the names are built only once.
-    static const QStringList columns = {
-        DC::lookupControllerDataColumnName(ControllerDataProperty::ID),
-        DC::lookupControllerDataColumnName(ControllerDataProperty::ADDRESS),
-        DC::lookupControllerDataColumnName(ControllerDataProperty::ACCESS),
-        DC::lookupControllerDataColumnName(ControllerDataProperty::VARIABLE_TYPE),
-        DC::lookupControllerDataColumnName(ControllerDataProperty::SET_POINT_NR),
-        DC::lookupControllerDataColumnName(ControllerDataProperty::DESCRIPTION),
-    };
-    SqlQuery query;
-    query.selectColumns(columns)
-        .fromTable(DC::lookupControllerDataTableName())
-        .whereColumn(DC::lookupControllerDataColumnName(ControllerDataProperty::ID))
-        .equals(int(id));
-
-    const QList<QVariant> row = connection->fetchSingleRow(query);
-    // A register that isn't there is no failure: the signal just lacks it.
-    if (row.size() != controllerAddressColumnCount) {
-        return {};
-    }
-    const std::pair<QMetaType::Type, int> type =
-        splitToVariableTypeAndArraySize(sqlhelper::readStringSqlValue(row.at(3), QString()));
-    return QSharedPointer<ControllerAddress>::create(
-        sqlhelper::readIntSqlValue(row.at(0), -1), sqlhelper::readStringSqlValue(row.at(1), QString()),
-        DC::accessMap.value(sqlhelper::readStringSqlValue(row.at(2), QString()), ControllerAddress::Access(0)),
-        type.first, type.second, sqlhelper::readIntSqlValue(row.at(4), -1),
-        sqlhelper::readStringSqlValue(row.at(5), QString()));
+    return signalReader.getControllerAddress(id);
 }
 
 QMap<int, ControlSignal> SqlConfigurationDatabaseConnection::getControlSignals(const ChamberTypeId& id) const
 {
-    if (!checkDependencies("getControlSignals")) {
+    if (!checks.hasDependencies("getControlSignals")) {
         return {};
     }
-    SqlQuery controlSignalIds;
-    controlSignalIds
-        .selectColumn(
-            DC::lookupChamberTypeHasControlSignalsColumnName(ChamberTypeHasControlSignalsProperty::CONTROL_SIGNALS_ID))
-        .fromTable(DC::lookupChamberTypeHasControlSignalsTableName())
-        .whereColumn(
-            DC::lookupChamberTypeHasControlSignalsColumnName(ChamberTypeHasControlSignalsProperty::CHAMBER_TYPE_ID))
-        .equals(id.typeId);
-    SqlQuery query;
-    query
-        .selectColumns({
-            DC::lookupControlSignalsColumnName(ControlSignalsProperty::ID),
-            DC::lookupControlSignalsColumnName(ControlSignalsProperty::NAME),
-            DC::lookupControlSignalsColumnName(ControlSignalsProperty::BITPOSITION),
-            DC::lookupControlSignalsColumnName(ControlSignalsProperty::USERLEVEL),
-            DC::lookupControlSignalsColumnName(ControlSignalsProperty::READ),
-            DC::lookupControlSignalsColumnName(ControlSignalsProperty::WRITE),
-        })
-        .fromTable(DC::lookupControlSignalsTableName())
-        .whereColumn(DC::lookupControlSignalsColumnName(ControlSignalsProperty::ID))
-        .inSelectQuery(controlSignalIds);
-
-    // A control signal without a register holds the placeholder by value.
-    const auto addressOf = [this](int addressId) {
-        if (addressId == -1) {
-            return ControllerAddress::placeholder();
-        }
-        const QSharedPointer<ControllerAddress> address = getControllerAddress(addressId);
-        return address ? *address : ControllerAddress::placeholder();
-    };
-
-    QMap<int, ControlSignal> result;
-    const QList<QList<QVariant>> rows = connection->fetch(query);
-    for (const QList<QVariant>& row : rows) {
-        if (row.size() != controlSignalColumnCount) {
-            reportUnexpectedRow("getControlSignals", row.size(), controlSignalColumnCount);
-            continue;
-        }
-        const int controlSignalId = sqlhelper::readIntSqlValue(row.at(0), -1);
-        result.insert(controlSignalId,
-                      ControlSignal(controlSignalId, sqlhelper::readStringSqlValue(row.at(1), QString()),
-                                    sqlhelper::readIntSqlValue(row.at(2), -1),
-                                    UserLevel(sqlhelper::readIntSqlValue(row.at(3), -1)),
-                                    addressOf(sqlhelper::readIntSqlValue(row.at(4), -1)),
-                                    addressOf(sqlhelper::readIntSqlValue(row.at(5), -1))));
-    }
-    return result;
+    return signalReader.getControlSignals(id.typeId);
 }
 
 QList<ChamberOption> SqlConfigurationDatabaseConnection::getChamberOptions(const ChamberTypeId& id) const
 {
-    if (!checkDependencies("getChamberOptions")) {
+    if (!checks.hasDependencies("getChamberOptions")) {
         return {};
     }
-    SqlQuery optionIds;
-    optionIds.selectColumn(DC::lookupChamberTypeHasOptionsColumnName(ChamberTypeHasOptionsProperty::OPTIONS_ID))
-        .fromTable(DC::lookupChamberTypeHasOptionsTableName())
-        .whereColumn(DC::lookupChamberTypeHasOptionsColumnName(ChamberTypeHasOptionsProperty::CHAMBER_TYPE_ID))
-        .equals(id.typeId);
     SqlQuery query;
     query
         .selectColumns(
             {DC::lookupOptionsColumnName(OptionsProperty::NAME), DC::lookupOptionsColumnName(OptionsProperty::FIX)})
         .fromTable(DC::lookupOptionsTableName())
         .whereColumn(DC::lookupOptionsColumnName(OptionsProperty::ID))
-        .inSelectQuery(optionIds);
+        .inSelectQuery(selectValueById(
+            DC::lookupChamberTypeHasOptionsTableName(),
+            DC::lookupChamberTypeHasOptionsColumnName(ChamberTypeHasOptionsProperty::OPTIONS_ID),
+            DC::lookupChamberTypeHasOptionsColumnName(ChamberTypeHasOptionsProperty::CHAMBER_TYPE_ID), id.typeId));
 
     QList<ChamberOption> result;
     const QList<QList<QVariant>> rows = connection->fetch(query);
-    for (const QList<QVariant>& row : rows) {
-        if (row.size() != optionColumnCount) {
-            reportUnexpectedRow("getChamberOptions", row.size(), optionColumnCount);
-            continue;
+    for (const QList<QVariant>& values : rows) {
+        if (checks.hasWidth(values, OPTION_COLUMNS, "getChamberOptions")) {
+            const SqlRow row(values);
+            result.append(ChamberOption(row.toString(OPTION_NAME), row.toBool(OPTION_FIX, false)));
         }
-        result.append(ChamberOption(sqlhelper::readStringSqlValue(row.at(0), QString()),
-                                    sqlhelper::readBoolSqlValue(row.at(1), false)));
     }
     return result;
 }
@@ -793,7 +514,7 @@ QList<ChamberOption> SqlConfigurationDatabaseConnection::getChamberOptions(const
 QList<DefaultToleranceRange>
 SqlConfigurationDatabaseConnection::getDefaultToleranceRanges(const ChamberTypeId& id) const
 {
-    if (!checkDependencies("getDefaultToleranceRanges")) {
+    if (!checks.hasDependencies("getDefaultToleranceRanges")) {
         return {};
     }
     const QString ranges = DC::lookupDefaultToleranceRangeTableName();
@@ -805,48 +526,44 @@ SqlConfigurationDatabaseConnection::getDefaultToleranceRanges(const ChamberTypeI
                       {signalTable, DC::lookupSignalColumnName(SignalProperty::ID)}})
         .whereTableColumn({ranges, DC::lookupDefaultToleranceRangeColumnName(DefaultToleranceRangeProperty::ID)})
         .inSelectQuery(toleranceRangeIdsOfType(id.typeId));
-    return getDefaultToleranceRanges(query, defaultToleranceRangeColumnCount);
+    return getDefaultToleranceRanges(query, RANGE_COLUMNS);
 }
 
 QList<DefaultToleranceRange> SqlConfigurationDatabaseConnection::getDefaultToleranceRanges(const SqlQuery& query,
                                                                                            int expectedColumns) const
 {
-    if (!checkDependencies("getDefaultToleranceRanges")) {
+    if (!checks.hasDependencies("getDefaultToleranceRanges")) {
         return {};
     }
     QList<DefaultToleranceRange> result;
     const QList<QList<QVariant>> rows = connection->fetch(query);
-    for (const QList<QVariant>& row : rows) {
-        if (row.size() != expectedColumns) {
-            reportUnexpectedRow("getDefaultToleranceRanges", row.size(), expectedColumns);
+    for (const QList<QVariant>& values : rows) {
+        if (!checks.hasWidth(values, expectedColumns, "getDefaultToleranceRanges")) {
             continue;
         }
-        const QString unitText = sqlhelper::readStringSqlValue(row.at(7), QString());
-        const ToleranceRange range(UnitValue(unitText, sqlhelper::readFloatSqlValue(row.at(3), 0.0f)),
-                                   UnitValue(unitText, sqlhelper::readFloatSqlValue(row.at(4), 0.0f)),
-                                   ToleranceRange::RELATIVE);
-        result.append(DefaultToleranceRange(sqlhelper::readStringSqlValue(row.at(0), QString()), toSignalId(row.at(1)),
-                                            toSignalId(row.at(2)), range, sqlhelper::readIntSqlValue(row.at(5), -1),
-                                            sqlhelper::readIntSqlValue(row.at(6), -1)));
+        const SqlRow row(values);
+        const QString unitText = row.toString(RANGE_UNIT);
+        const ToleranceRange range(UnitValue(unitText, row.toFloat(RANGE_MIN, 0.0f)),
+                                   UnitValue(unitText, row.toFloat(RANGE_MAX, 0.0f)), ToleranceRange::RELATIVE);
+        result.append(DefaultToleranceRange(row.toString(RANGE_NAME), row.toInt(RANGE_SET_POINT, -1),
+                                            row.toInt(RANGE_PROCESS_VALUE, -1), range, row.toInt(RANGE_DELAY1, -1),
+                                            row.toInt(RANGE_DELAY2, -1)));
     }
     return result;
 }
 
 QList<ChamberTypeData>
-SqlConfigurationDatabaseConnection::parseChamberTypeDataRow(const QList<QVariant>& row, int expectedColumns,
+SqlConfigurationDatabaseConnection::parseChamberTypeDataRow(const QList<QVariant>& values, int expectedColumns,
                                                             bool withSignals, unsigned long long additionalInfoId) const
 {
-    if (row.size() != expectedColumns) {
-        reportUnexpectedRow("parseChamberTypeDataRow", row.size(), expectedColumns);
+    if (!checks.hasWidth(values, expectedColumns, "parseChamberTypeDataRow")) {
         return {};
     }
-    const auto text = [&row](int column) { return sqlhelper::readStringSqlValue(row.at(column), QString()); };
-    const auto number = [&row](int column) { return sqlhelper::readIntSqlValue(row.at(column), -1); };
-
-    const quint64 typeId = sqlhelper::readUIntSqlValue(row.at(0), 0);
+    const SqlRow row(values);
+    const quint64 typeId = row.toUInt(TYPE_ID, 0);
     const ChamberTypeId baseId(typeId, 0);
-    const QString controller =
-        sqlhelper::readStringSqlValue(getControllerProperty(number(13), ControllerProperty::TYPE), QString());
+    const QString controller = sqlhelper::readStringSqlValue(
+        getControllerProperty(row.toInt(TYPE_CONTROLLER_ID, -1), ControllerProperty::TYPE), QString());
     const QList<ChamberProtocol> protocols = getSupportedProtocols(baseId);
 
     QMap<int, ChamberSignal> chamberSignals;
@@ -861,9 +578,13 @@ SqlConfigurationDatabaseConnection::parseChamberTypeDataRow(const QList<QVariant
         additionalInfoId == 0 ? getAdditionalInfoIds(typeId) : QList<quint64>{additionalInfoId};
 
     const auto makeVariant = [&](quint64 variantId, const QString& articleNumber, const QString& info) {
-        return ChamberTypeData(ChamberTypeId(typeId, variantId), text(1), text(2), number(3), text(4), text(5), text(6),
-                               text(7), text(8), text(9), number(10), number(11), text(12), articleNumber, info,
-                               controller, protocols, chamberSignals, controlSignals, options, QList<ChamberOption>());
+        return ChamberTypeData(
+            ChamberTypeId(typeId, variantId), row.toString(TYPE_TYPE), row.toString(TYPE_DEVELOPEMENT_STATE),
+            row.toInt(TYPE_SIZE, -1), row.toString(TYPE_VOLTAGE), row.toString(TYPE_IMAGE),
+            row.toString(TYPE_DESCRIPTION), row.toString(TYPE_FIRMWARE_START), row.toString(TYPE_FIRMWARE_ENDE),
+            row.toString(TYPE_SETUP_KENNUNG), row.toInt(TYPE_SETUP_VERSION_START, -1),
+            row.toInt(TYPE_SETUP_VERSION_ENDE, -1), row.toString(TYPE_KENNUNG_PROGRAMME), articleNumber, info,
+            controller, protocols, chamberSignals, controlSignals, options, QList<ChamberOption>());
     };
 
     QList<ChamberTypeData> result;
@@ -872,12 +593,11 @@ SqlConfigurationDatabaseConnection::parseChamberTypeDataRow(const QList<QVariant
         return result;
     }
     for (quint64 variantId : variants) {
-        result.append(makeVariant(
-            variantId,
-            sqlhelper::readStringSqlValue(getAdditionalInfoProperty(int(variantId), AdditionalInfoProperty::ARTICLE_NR),
-                                          QString()),
-            sqlhelper::readStringSqlValue(getAdditionalInfoProperty(int(variantId), AdditionalInfoProperty::INFO),
-                                          QString())));
+        const auto text = [this, variantId](AdditionalInfoProperty property) {
+            return sqlhelper::readStringSqlValue(getAdditionalInfoProperty(int(variantId), property), QString());
+        };
+        result.append(
+            makeVariant(variantId, text(AdditionalInfoProperty::ARTICLE_NR), text(AdditionalInfoProperty::INFO)));
     }
     return result;
 }
@@ -885,70 +605,7 @@ SqlConfigurationDatabaseConnection::parseChamberTypeDataRow(const QList<QVariant
 ChamberSignal SqlConfigurationDatabaseConnection::parseChamberSignalTableRow(const QList<QVariant>& row,
                                                                              int expectedColumns) const
 {
-    if (row.size() != expectedColumns) {
-        reportUnexpectedRow("parseChamberSignalTableRow", row.size(), expectedColumns);
-        return ChamberSignal();
-    }
-    const SignalId id = toSignalId(row.at(SIGNAL_ID));
-    const int valueType = sqlhelper::readIntSqlValue(row.at(SIGNAL_VALUE_TYPE), 0);
-    const SignalId setPointId = toSignalId(row.at(SIGNAL_SET_POINT_SIGNAL));
-
-    QString colorText;
-    int decimalPlaces = 0;
-    if (valueType != 0) {
-        colorText = sqlhelper::readStringSqlValue(getValueTypeProperty(valueType, ValueTypeProperty::COLOR), QString());
-        decimalPlaces =
-            sqlhelper::readIntSqlValue(getValueTypeProperty(valueType, ValueTypeProperty::DECIMAL_PLACES), 0);
-    }
-
-    // A signal that names itself has no link; longer cycles aren't guarded.
-    QSharedPointer<ChamberSignal> setPointSignal;
-    if (setPointId != -1 && setPointId != id) {
-        setPointSignal = getChamberSignal(setPointId);
-    }
-
-    const auto addressAt = [this, &row](int column) {
-        const int addressId = sqlhelper::readIntSqlValue(row.at(column), -1);
-        return addressId == -1 ? noAddress() : getControllerAddress(addressId);
-    };
-
-    QVariant userLevel = sqlhelper::readSqlValue(row.at(SIGNAL_USER_LEVEL), 0);
-    if (!userLevel.convert(qMetaTypeId<UserLevel>())) {
-        userLevel = QVariant::fromValue(UserLevel(0));
-    }
-
-    QColor color;
-    color.setNamedColor(colorText);
-
-    return ChamberSignal(id, sqlhelper::readStringSqlValue(row.at(SIGNAL_NAME), QString()),
-                         Unit::toUnitId(sqlhelper::readStringSqlValue(row.at(SIGNAL_UNIT), QString())), color,
-                         decimalPlaces, userLevel.value<UserLevel>(),
-                         sqlhelper::readFloatSqlValue(row.at(SIGNAL_LIMIT_MIN), std::numeric_limits<float>::lowest()),
-                         sqlhelper::readFloatSqlValue(row.at(SIGNAL_LIMIT_MAX), std::numeric_limits<float>::max()),
-                         sqlhelper::readIntSqlValue(row.at(SIGNAL_BITPOSITION), -1),
-                         DC::signalTypeMap.value(sqlhelper::readStringSqlValue(row.at(SIGNAL_SIGNAL_TYPE), QString()),
-                                                 ChamberSignal::SignalType(0)),
-                         setPointSignal, sqlhelper::readBoolSqlValue(row.at(SIGNAL_TIME_PROGRAMMABLE), false),
-                         sqlhelper::readBoolSqlValue(row.at(SIGNAL_WEEK_PROGRAMMABLE), false), addressAt(SIGNAL_READ),
-                         addressAt(SIGNAL_WRITE_BASIC), addressAt(SIGNAL_WRITE_MANUAL), addressAt(SIGNAL_WRITE_AUTO));
-}
-
-bool SqlConfigurationDatabaseConnection::checkDependencies(const char* operation) const
-{
-    if (areDependenciesSet()) {
-        return true;
-    }
-    qCWarning(SQLCONFIGURATIONDATABASECONNECTION) << operation << "called before the dependencies were set";
-    emit error(DEPENDENCIES_NOT_SET);
-    return false;
-}
-
-void SqlConfigurationDatabaseConnection::reportUnexpectedRow(const char* operation, int columns,
-                                                             int expectedColumns) const
-{
-    qCWarning(SQLCONFIGURATIONDATABASECONNECTION)
-        << operation << "got a row of" << columns << "columns instead of" << expectedColumns;
-    emit error(UNEXPECTED_RESULT);
+    return signalReader.parseChamberSignalTableRow(row, expectedColumns);
 }
 
 } // namespace zelmor::base::connection::databaseconnection

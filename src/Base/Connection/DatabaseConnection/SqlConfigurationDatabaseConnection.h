@@ -1,6 +1,8 @@
 #pragma once
 
+#include "Base/Connection/DatabaseConnection/SqlChamberSignalReader.h"
 #include "Base/Connection/DatabaseConnection/SqlQuery.h"
+#include "Base/Connection/DatabaseConnection/SqlStoreChecks.h"
 #include "Domain/Api/ConfigurationTableProperties.h"
 #include "Domain/Api/IConfigurationDatabaseConnection.h"
 #include "Domain/Api/IInitializing.h"
@@ -34,7 +36,8 @@ Q_DECLARE_LOGGING_CATEGORY(SQLCONFIGURATIONDATABASECONNECTION)
 // rows into chamber types, signals, registers, control signals, options and
 // default tolerance ranges. It never writes and caches nothing: each call reads
 // afresh, and a type with signals takes many small statements, since every
-// signal reads its registers, value type and set point one by one.
+// signal reads its registers, value type and set point one by one. The signals
+// and what they point at are read by its SqlChamberSignalReader.
 //
 // Rows are decoded by position in the order in which the statements name the
 // columns; a row of another width is reported as UNEXPECTED_RESULT and passed
@@ -105,6 +108,9 @@ protected:
     // In the engine's order.
     virtual QList<zelmor::domain::types::ChamberProtocol>
     getSupportedProtocols(const zelmor::domain::types::ChamberTypeId& id) const;
+    // The signal reads below pass on to the SqlChamberSignalReader, whose
+    // own reads call each other directly, not through these.
+    //
     // Runs a statement that selects the signal columns; rows that can't be read
     // are dropped, a later row of the same id replaces an earlier one.
     virtual QMap<int, zelmor::domain::types::ChamberSignal> getChamberSignals(const SqlQuery& query,
@@ -135,10 +141,9 @@ protected:
                                                                             int expectedColumns) const;
 
 private:
-    bool checkDependencies(const char* operation) const;
-    void reportUnexpectedRow(const char* operation, int columns, int expectedColumns) const;
-
-    zelmor::domain::api::ISqlConnection* connection;
+    zelmor::domain::api::ISqlConnection* connection = nullptr;
+    SqlStoreChecks checks;
+    SqlChamberSignalReader signalReader;
 };
 
 } // namespace zelmor::base::connection::databaseconnection

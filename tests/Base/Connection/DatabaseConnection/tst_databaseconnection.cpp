@@ -1,12 +1,25 @@
 #include "Base/Connection/DatabaseConnection/DatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqliteConnection.h"
 #include "Domain/Api/ISqlQuery.h"
+#include "Domain/Types/BackupCleanupSettings.h"
+#include "Domain/Types/BackupScheduleConfiguration.h"
+#include "Domain/Types/Camera.h"
 #include "Domain/Types/ChamberSignal.h"
 #include "Domain/Types/ChamberTypeData.h"
 #include "Domain/Types/ChamberTypeId.h"
+#include "Domain/Types/ProtocolEntry.h"
+#include "Domain/Types/ReportConfiguration.h"
+#include "Domain/Types/Room.h"
+#include "Domain/Types/RoomPosition.h"
+#include "Domain/Types/SirenBoxNetworkConfiguration.h"
+#include "Domain/Types/SmtpConfiguration.h"
+#include "Domain/Types/TimeSpan.h"
+#include "Domain/Types/UserId.h"
+#include "Domain/Types/ZelmorNetworkConfiguration.h"
 #include "support/ChildRun.h"
 #include "support/LogCapture.h"
 #include "support/SampleCatalogue.h"
+#include "support/StoreFixture.h"
 #include "support/TestDatabase.h"
 
 #include <QCoreApplication>
@@ -18,10 +31,8 @@
 using zelmor::base::connection::databaseconnection::DatabaseConnection;
 using zelmor::base::connection::databaseconnection::SqliteConnection;
 using zelmor::domain::api::ISqlQuery;
-using zelmor::domain::types::ChamberTypeData;
-using zelmor::domain::types::ChamberTypeId;
-using zelmor::domain::types::DatabaseConnectionError;
-using zelmor::domain::types::Unit;
+using namespace zelmor::domain::types;
+using zelmor::testsupport::errorCodes;
 using zelmor::testsupport::LogCapture;
 using zelmor::testsupport::TestDatabase;
 
@@ -180,21 +191,14 @@ const QString smallCatalogue = QStringLiteral(
     "INSERT INTO signal (id, name, unit) VALUES (7, 'Temperature', '% r.F.');"
     "INSERT INTO chamber_type_has_signal (chamber_type_id, signal_id) VALUES (5, 7);");
 
-QList<int> codesOf(const QSignalSpy& spy)
-{
-    QList<int> codes;
-    for (const QList<QVariant>& arguments : spy)
-        codes.append(int(arguments.at(0).value<DatabaseConnectionError>()));
-    return codes;
-}
-
 QString uniqueConnectionName()
 {
     static int count = 0;
     return QStringLiteral("tst_databaseconnection_%1").arg(++count);
 }
 
-// A real connection that notes the statements it runs.
+// A real connection that notes the tables it is asked to create; the settings
+// store's guarded insert of its row runs at every initialize and isn't noted.
 class RecordingConnection : public SqliteConnection
 {
 public:
@@ -202,15 +206,22 @@ public:
 
     ExecuteResult execute(const ISqlQuery& query) override
     {
-        executed.append(query.getPreparedQueryString());
+        if (query.getPreparedQueryString().startsWith(QLatin1String(" CREATE TABLE")))
+            executed.append(query.getPreparedQueryString());
         return SqliteConnection::execute(query);
     }
 
     QStringList executed;
 };
 
+// The application database as delivered, with the statements of a row of the
+// test behind it.
+const QString delivered = QStringLiteral("delivered:");
+
 // Two encrypted files made by the sqlcipher shell, the catalogue on the
-// delivered schema, both opened through SqliteConnection, and the facade.
+// delivered schema, both opened through SqliteConnection, and the facade. An
+// application text that starts with "delivered:" adds its statements to the
+// delivered schema, any other is the whole database.
 struct Setup
 {
     Setup(TestDatabase& files, const QString& applicationSql, const QString& catalogueRows = QString(),
@@ -221,7 +232,11 @@ struct Setup
     {
         static int count = 0;
         ++count;
-        applicationPath = files.createEncrypted(QStringLiteral("application%1.db").arg(count), applicationSql);
+        const QString name = QStringLiteral("application%1.db").arg(count);
+        applicationPath =
+            applicationSql.startsWith(delivered)
+                ? zelmor::testsupport::createApplicationDatabase(files, name, applicationSql.mid(delivered.size()))
+                : files.createEncrypted(name, applicationSql);
         const QString catalogue =
             zelmor::testsupport::createCatalogue(files, QStringLiteral("configuration%1.db").arg(count), catalogueRows);
         ok = !applicationPath.isEmpty() && !catalogue.isEmpty()
@@ -259,11 +274,13 @@ private slots:
     void createTable();
     void initialize_data();
     void initialize();
+    void deliveredSchema();
     void initializeStopsAtFailedTable();
 
     void setDependencies_data();
     void setDependencies();
     void catalogueThroughTheFacade();
+    void storesThroughTheFacade();
 
 private:
     TestDatabase files;
@@ -387,14 +404,22 @@ void TestDatabaseConnection::initialize_data()
     QStringList withoutChamber = applicationTables;
     withoutChamber.removeFirst();
     QTest::newRow("18") << versionTable(18) << "" << false << true << QList<int>() << QStringList();
-    QTest::newRow("19") << versionTable(19) << "" << true << false << QList<int>() << applicationTables;
-    QTest::newRow("20") << versionTable(20) << "" << true << false << QList<int>() << applicationTables;
+    // The creation functions make the older core; the camera store, the first
+    // store with a table of its own, then misses it.
+    QTest::newRow("19") << versionTable(19) << "" << false << false << QList<int>{4} << applicationTables;
+    QTest::newRow("20") << versionTable(20) << "" << false << false << QList<int>{4} << applicationTables;
     // An existing table stays as it is, whatever its columns.
     QTest::newRow("19 with a chamber table of its own") << versionTable(19) + "CREATE TABLE chamber(x TEXT);"
-                                                        << "" << true << false << QList<int>() << withoutChamber;
-    // The application tables are made all the same, then the catalogue store refuses.
+                                                        << "" << false << false << QList<int>{4} << withoutChamber;
+    // As delivered, every table is there.
+    QTest::newRow("delivered") << delivered << "" << true << false << QList<int>() << QStringList();
+    QTest::newRow("delivered, version 20") << delivered + "UPDATE database_version_info SET version = 20;"
+                                           << "" << true << false << QList<int>() << QStringList();
+    // A table that no creation function builds stays missing.
+    QTest::newRow("delivered without the cameras") << delivered + "DROP TABLE camera;"
+                                                   << "" << false << false << QList<int>{4} << QStringList();
     QTest::newRow("catalogue without its signal table")
-        << versionTable(19) << "DROP TABLE signal;" << false << false << QList<int>{4} << applicationTables;
+        << delivered << "DROP TABLE signal;" << false << false << QList<int>{4} << QStringList();
 }
 
 void TestDatabaseConnection::initialize()
@@ -413,7 +438,7 @@ void TestDatabaseConnection::initialize()
 
     QCOMPARE(setup.facade.initialize(), passes);
     QCOMPARE(setup.facade.isDatabaseVersionWrong(), versionWrong);
-    QCOMPARE(codesOf(spy), errors);
+    QCOMPARE(errorCodes(spy), errors);
     QCOMPARE(tableNames(setup.application.executed), created);
     QCOMPARE(tablesOf(setup.applicationPath), before + storedTables(setup.application.executed));
     if (!passes)
@@ -433,6 +458,132 @@ void TestDatabaseConnection::initialize()
     QCOMPARE(setup.application.executed, QStringList());
     QCOMPARE(dump(), dumped);
     QVERIFY(dumped.contains(QLatin1String("'Lab'")));
+}
+
+// The delivered schema against the names the stores use and against what the
+// creation functions build.
+void TestDatabaseConnection::deliveredSchema()
+{
+    using DC = DatabaseConnection;
+    // Every column the lookups name, template columns expanded.
+    const auto names = [](auto lookup, int count, int templated = -1, int copies = 0) {
+        QStringList columns;
+        for (int value = 0; value < count; ++value) {
+            const QString name = lookup(value);
+            if (value != templated) {
+                columns.append(name);
+                continue;
+            }
+            for (int number = 1; number <= copies; ++number)
+                columns.append(name.arg(number));
+        }
+        columns.sort();
+        return columns;
+    };
+    QMap<QString, QStringList> expected;
+    expected[DC::lookupChamberTableName()] =
+        names([](int v) { return DC::lookupChamberColumnName(ChamberProperty(v)); }, 19);
+    expected[DC::lookupChamberHasCustomSignalNameTableName()] = names(
+        [](int v) { return DC::lookupChamberHasCustomSignalNameColumnName(ChamberHasCustomSignalNameProperty(v)); }, 3);
+    expected[DC::lookupChamberHasSignalDelayTableName()] =
+        names([](int v) { return DC::lookupChamberHasSignalDelayColumnName(ChamberHasSignalDelayProperty(v)); }, 4);
+    expected[DC::lookupChamberHasSubscribedSignalTableName()] = names(
+        [](int v) { return DC::lookupChamberHasSubscribedSignalColumnName(ChamberHasSubscribedSignalProperty(v)); }, 2);
+    expected[DC::lookupToleranceRangeTableName()] =
+        names([](int v) { return DC::lookupToleranceRangeColumnName(ToleranceRangeProperty(v)); }, 6);
+    expected[DC::lookupProgramTableName()] =
+        names([](int v) { return DC::lookupProgramColumnName(ProgramProperty(v)); }, 7);
+    expected[DC::lookupProgramStepTableName()] =
+        names([](int v) { return DC::lookupProgramStepColumnName(ProgramStepProperty(v)); }, 6);
+    expected[DC::lookupProgramSectionTableName()] =
+        names([](int v) { return DC::lookupProgramSectionColumnName(ProgramSectionProperty(v)); }, 5);
+    expected[DC::lookupProgramSetpointTableName()] =
+        names([](int v) { return DC::lookupProgramSetpointColumnName(ProgramSetpointProperty(v)); }, 5);
+    expected[DC::lookupProgramStepRepetitionTableName()] =
+        names([](int v) { return DC::lookupProgramStepRepetitionColumnName(ProgramStepRepetitionProperty(v)); }, 5);
+    // The flags of a recording's columns: 1 to 2048, then 16384 and 32768.
+    expected[DC::lookupRecordingTableName()] = names(
+        [](int v) { return DC::lookupRecordingColumnName(RecordingProperty(v < 12 ? 1u << v : 1u << (v + 2))); }, 14);
+    expected[DC::lookupMetaRecordingHasRecordingTableName()] = names(
+        [](int v) { return DC::lookupMetaRecordingHasRecordingColumnName(MetaRecordingHasRecordingProperty(v)); }, 2);
+    expected[DC::lookupRecordsetTableName()] =
+        names([](int v) { return DC::lookupRecordsetColumnName(RecordsetProperty(v)); }, 8, 3, DC::nSignalsMax());
+    expected[DC::lookupRecordsetCommentTableName()] =
+        names([](int v) { return DC::lookupRecordsetCommentColumnName(RecordsetCommentProperty(v)); }, 4);
+    expected[DC::lookupRecordingHasSignalColumnTableName()] = names(
+        [](int v) { return DC::lookupRecordingHasSignalColumnColumnName(RecordingHasSignalColumnProperty(v)); }, 3);
+    expected[DC::lookupUserTableName()] = names([](int v) { return DC::lookupUserColumnName(UserProperty(v)); }, 15);
+    expected[DC::lookupUserHasSecurityQuestionTableName()] =
+        names([](int v) { return DC::lookupUserHasSecurityQuestionColumnName(UserHasSecurityQuestionProperty(v)); }, 4);
+    expected[DC::lookupUserPreferencesTableName()] =
+        names([](int v) { return DC::lookupUserPreferencesColumnName(UserPreferencesProperty(v)); }, 8);
+    expected[DC::lookupUserHasChamberSignalVisibilityPreferenceTableName()] = names(
+        [](int v) {
+            return DC::lookupUserHasChamberSignalVisibilityPreferenceColumnName(
+                UserHasChamberSignalVisibilityPreferenceProperty(v));
+        },
+        4);
+    expected[DC::lookupUserRecordingConfigTableName()] =
+        names([](int v) { return DC::lookupUserRecordingConfigColumnName(UserRecordingConfigProperty(v)); }, 3);
+    expected[DC::lookupGlobalSettingsTableName()] =
+        names([](int v) { return DC::lookupGlobalSettingsColumnName(GlobalSettingsProperty(v)); }, 45);
+    expected[DC::lookupMailRecipientTableName()] =
+        names([](int v) { return DC::lookupMailRecipientColumnName(MailRecipientProperty(v)); }, 2);
+    expected[DC::lookupProtocolEntryTableName()] =
+        names([](int v) { return DC::lookupProtocolEntryColumnName(ProtocolEntryProperty(v)); }, 6, 5, 10);
+    expected[DC::lookupRoomTableName()] = names([](int v) { return DC::lookupRoomColumnName(RoomProperty(v)); }, 4);
+    expected[DC::lookupRoomChamberPositionTableName()] =
+        names([](int v) { return DC::lookupRoomChamberPositionColumnName(RoomChamberPositionProperty(v)); }, 4);
+    expected[DC::lookupCameraTableName()] =
+        names([](int v) { return DC::lookupCameraColumnName(CameraProperty(v)); }, 6);
+    expected[DC::lookupAlarmTableName()] =
+        names([](int v) { return DC::lookupAlarmColumnName(AlarmProperty(v)); }, 12, 9, 2);
+    expected[DC::lookupAlarmHasSignalTableName()] =
+        names([](int v) { return DC::lookupAlarmHasSignalColumnName(AlarmHasSignalProperty(v)); }, 2);
+    expected[QStringLiteral("database_version_info")] = QStringList{"version"};
+
+    // Each table's columns as "name type", in their order, read by the shell
+    // (whose engine has no table-valued pragmas yet).
+    const auto columnsOf = [](const QString& path) {
+        QString script;
+        for (const QString& table : tablesOf(path))
+            script += QStringLiteral("SELECT 'table|%1'; PRAGMA table_info('%1');\n").arg(table.section(':', 0, 0));
+        const TestDatabase::ShellResult result = TestDatabase::runSqlcipher(path, projectKey, script);
+        QMap<QString, QStringList> columns;
+        QString table;
+        for (const QString& line : result.output.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+            const QStringList fields = line.split(QLatin1Char('|'));
+            if (fields.value(0) == QLatin1String("table"))
+                table = fields.value(1);
+            else
+                columns[table].append(fields.value(1) + QLatin1Char(' ') + fields.value(2));
+        }
+        return columns;
+    };
+    Setup deliveredSetup(files, delivered);
+    QVERIFY(deliveredSetup.ok);
+    const QMap<QString, QStringList> deliveredColumns = columnsOf(deliveredSetup.applicationPath);
+    QMap<QString, QStringList> deliveredNames;
+    for (auto table = deliveredColumns.cbegin(); table != deliveredColumns.cend(); ++table) {
+        QStringList columns;
+        for (const QString& column : table.value())
+            columns.append(column.section(QLatin1Char(' '), 0, 0));
+        columns.sort();
+        deliveredNames.insert(table.key(), columns);
+    }
+    QCOMPARE(deliveredNames.keys(), expected.keys());
+    for (const QString& table : expected.keys())
+        QCOMPARE(deliveredNames.value(table), expected.value(table));
+
+    // Where a creation function builds the table, its columns come first, in
+    // its order and with its types.
+    Setup created(files, versionTable(19));
+    QVERIFY(created.ok);
+    QVERIFY(!created.facade.initialize());
+    const QMap<QString, QStringList> createdColumns = columnsOf(created.applicationPath);
+    QCOMPARE(createdColumns.size(), applicationTables.size() + 1);
+    for (auto table = createdColumns.cbegin(); table != createdColumns.cend(); ++table)
+        QCOMPARE(deliveredColumns.value(table.key()).mid(0, table.value().size()), table.value());
 }
 
 void TestDatabaseConnection::initializeStopsAtFailedTable()
@@ -488,16 +639,18 @@ void TestDatabaseConnection::setDependencies()
     // Nothing reaches a database, the catalogue's store included.
     QVERIFY(!setup.facade.createTableChamber());
     QVERIFY(setup.facade.getAllChamberTypeData(false).isEmpty());
+    QVERIFY(setup.facade.getAllRooms().isEmpty());
+    QVERIFY(!setup.facade.setScreenLockTimeout(5));
     QVERIFY(!setup.facade.initialize());
     QVERIFY(!setup.facade.isDatabaseVersionWrong());
     QCOMPARE(setup.application.executed, QStringList());
-    QCOMPARE(codesOf(errors), (QList<int>{0, 0, 0}));
+    QCOMPARE(errorCodes(errors), (QList<int>{0, 0, 0, 0, 0}));
 }
 
 void TestDatabaseConnection::catalogueThroughTheFacade()
 {
     // As the simulator does it: dependencies set, no initialize.
-    Setup setup(files, versionTable(19), smallCatalogue);
+    Setup setup(files, delivered, smallCatalogue);
     QVERIFY(setup.ok);
     QSignalSpy errors(&setup.facade, &DatabaseConnection::error);
     QVERIFY(setup.facade.areDependenciesSet());
@@ -513,7 +666,93 @@ void TestDatabaseConnection::catalogueThroughTheFacade()
     QVERIFY(setup.facade.getChamberSignal(999).isNull());
     QVERIFY(setup.facade.initialize() && setup.facade.initialize());
     QVERIFY(setup.facade.getChamberSignal(999).isNull());
-    QCOMPARE(codesOf(errors), (QList<int>{8, 8}));
+    QCOMPARE(errorCodes(errors), (QList<int>{8, 8}));
+}
+
+// Every operation of the log, room, camera and settings stores once, each
+// written value read back through the facade.
+void TestDatabaseConnection::storesThroughTheFacade()
+{
+    Setup setup(files,
+                delivered
+                    + "INSERT INTO application_user (id, login_name, user_level) VALUES (1, 'anna', 1);"
+                      "INSERT INTO chamber (id, chamber_name) VALUES (7, 'A');"
+                      "INSERT INTO recording (id, recording_name) VALUES (3, 'R');",
+                smallCatalogue);
+    QVERIFY(setup.ok);
+    DatabaseConnection& facade = setup.facade;
+    QVERIFY(facade.initialize());
+    QSignalSpy errors(&facade, &DatabaseConnection::error);
+
+    const QDateTime time(QDate(2024, 5, 2), QTime(8, 15), Qt::UTC);
+    QVERIFY(facade.addProtocolEntry(ProtocolEntry(time, "Logged in", {"x"}, 1)));
+    const ProtocolEntry entry = facade.getProtocolEntries(TimeSpan(), UserId(1)).value(0);
+    QCOMPARE(entry.time, time);
+    QCOMPARE(entry.userName + entry.arguments.value(0).toString(), QStringLiteral("annax"));
+    QCOMPARE(facade.getProtocolEntries(TimeSpan(QDateTime(), time), BASIC).size(), 1);
+    QVERIFY(facade.hasProtocolEntries(1) && !facade.hasProtocolEntries(2));
+
+    Room room(0, "Lab", QUrl("file:///plan.png"), 2.0f);
+    QVERIFY(facade.addRoom(room));
+    room.name = "Lab 2";
+    QVERIFY(facade.updateRoom(room));
+    QVERIFY(facade.setRoomPosition(7, RoomPosition(room.id, QPointF(1, 2))));
+    QCOMPARE(facade.getRoomPosition(7), RoomPosition(room.id, QPointF(1, 2)));
+    QCOMPARE(facade.getChambersInRoom(room.id), QList<ChamberId>{7});
+    room.chamberIds = {7};
+    QCOMPARE(facade.getAllRooms(), QList<Room>{room});
+    QCOMPARE(facade.getRoomImagePath(room.id), QUrl("file:///plan.png"));
+    QVERIFY(facade.setRoomPosition(7, RoomPosition()));
+    QVERIFY(facade.deleteRoom(room.id));
+    QCOMPARE(facade.getAllRooms(), QList<Room>());
+
+    Camera camera(0, QHostAddress("10.0.0.3"), QString(), 3, 20);
+    QVERIFY(facade.addCamera(camera));
+    camera.recordingInterval = 40;
+    QVERIFY(facade.updateCamera(camera));
+    QCOMPARE(facade.getCameras(3), QList<Camera>{camera});
+    QVERIFY(facade.deleteCamera(camera.id));
+    QCOMPARE(facade.getCameras(3), QList<Camera>());
+
+    const SmtpConfiguration smtp("mail", 25, 1, "u", "p", "s");
+    const ReportConfiguration report(ReportConfiguration::WEEKLY, QLocale::French, FileFormat(2), "p", "/r", "/l", 1,
+                                     "t", "/w", 3, "m");
+    const BackupScheduleConfiguration backup(QTime(1, 0), BackupInterval::MONTHLY, 31, "/b", "pw");
+    const BackupCleanupSettings cleanup(BackupCleanupSettings::KEEP_N_BACKUPS, 4);
+    const ZelmorNetworkConfiguration zelmor(QHostAddress("10.0.0.1"), 1);
+    const SirenBoxNetworkConfiguration sirenBox(QHostAddress("10.0.0.2"), 2);
+    QVERIFY(facade.setQuickRecordingNameTemplate("T") && facade.setQuickRecordingSecondsInterval(11)
+            && facade.setRecordingResumptionOnStartupEnabled(true) && facade.setAccessControlActive(false)
+            && facade.setSecurityQuestionsActive(true) && facade.setPasswordValidityPeriod(12)
+            && facade.setScreenLockTimeout(13) && facade.setSmtpConfiguration(smtp)
+            && facade.setReportConfiguration(report) && facade.setAlarmRepetitionEnabled(false)
+            && facade.setAlarmRepetitionIntervalInSeconds(14) && facade.setPreAlarmDelayInSeconds(15)
+            && facade.setBackupScheduleConfiguration(backup) && facade.setBackupCleanupSettings(cleanup)
+            && facade.setAllowedNumberOfFailedLogins(16) && facade.setZelmorNetworkConfiguration(zelmor)
+            && facade.setZelmorNumConnectionAttempts(17) && facade.setZelmorConnectionActive(true)
+            && facade.setSirenBoxNetworkConfiguration(sirenBox) && facade.setSirenBoxNumConnectionAttempts(18)
+            && facade.setSirenBoxActive(true) && facade.addMailAddressToRecipients("a@b.c"));
+    QCOMPARE(facade.getQuickRecordingNameTemplate(), QStringLiteral("T"));
+    QCOMPARE(QList<int>({facade.getQuickRecordingSecondsInterval(), facade.getPasswordValidityPeriod(),
+                         facade.getScreenLockTimeout(), facade.getAlarmRepetitionIntervalInSeconds(),
+                         facade.getPreAlarmDelayInSeconds(), facade.getAllowedNumberOfFailedLogins(),
+                         facade.getZelmorNumConnectionAttempts(), facade.getSirenBoxNumConnectionAttempts()}),
+             QList<int>({11, 12, 13, 14, 15, 16, 17, 18}));
+    QCOMPARE(QList<bool>({facade.isRecordingResumptionOnStartupEnabled(), facade.isAccessControlActive(),
+                          facade.areSecurityQuestionsActive(), facade.isAlarmRepetitionEnabled(),
+                          facade.isZelmorConnectionActive(), facade.isSirenBoxActive()}),
+             QList<bool>({true, false, true, false, true, true}));
+    QVERIFY(facade.getSmtpConfiguration() == smtp);
+    QVERIFY(facade.getReportConfiguration() == report);
+    QVERIFY(facade.getBackupScheduleConfiguration() == backup);
+    QVERIFY(facade.getBackupCleanupSettings() == cleanup);
+    QVERIFY(facade.getZelmorNetworkConfiguration() == zelmor);
+    QVERIFY(facade.getSirenBoxNetworkConfiguration() == sirenBox);
+    QVERIFY(facade.isMailAddressInRecipients("a@b.c"));
+    QCOMPARE(facade.getRecipientMailAddresses(), QStringList{"a@b.c"});
+    QVERIFY(facade.deleteMailAddressFromRecipients("a@b.c"));
+    QCOMPARE(facade.getRecipientMailAddresses(), QStringList());
+    QCOMPARE(errors.count(), 0);
 }
 
 // ---------------------------------------------------------------------------

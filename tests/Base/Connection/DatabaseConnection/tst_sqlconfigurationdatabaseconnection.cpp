@@ -1,6 +1,5 @@
 #include "Base/Connection/DatabaseConnection/SqlConfigurationDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqliteConnection.h"
-#include "Domain/Api/ISqlQuery.h"
 #include "Domain/Types/ChamberOption.h"
 #include "Domain/Types/ChamberSignal.h"
 #include "Domain/Types/ChamberTypeData.h"
@@ -9,6 +8,7 @@
 #include "Domain/Types/ControllerAddress.h"
 #include "Domain/Types/DefaultToleranceRange.h"
 #include "support/SampleCatalogue.h"
+#include "support/StoreFixture.h"
 #include "support/TestDatabase.h"
 
 #include <QLoggingCategory>
@@ -21,7 +21,8 @@
 
 using zelmor::base::connection::databaseconnection::SqlConfigurationDatabaseConnection;
 using zelmor::base::connection::databaseconnection::SqliteConnection;
-using zelmor::domain::api::ISqlQuery;
+using zelmor::testsupport::CuttingConnection;
+using zelmor::testsupport::errorCodes;
 using zelmor::testsupport::TestDatabase;
 using namespace zelmor::domain::types;
 
@@ -37,28 +38,6 @@ class OpenStore : public Store
 public:
     using Store::getChamberTypeTestSignalId;
     using Store::getControllerAddress;
-};
-
-// A real connection that cuts the last column off every row of the given
-// width: rows of the wrong width, which no well-formed statement on a real
-// engine gives. The single-row reads go through here too.
-class CuttingConnection : public SqliteConnection
-{
-public:
-    using SqliteConnection::fetch;
-    using SqliteConnection::SqliteConnection;
-
-    QList<QList<QVariant>> fetch(const ISqlQuery& query) const override
-    {
-        QList<QList<QVariant>> rows = SqliteConnection::fetch(query);
-        for (QList<QVariant>& row : rows) {
-            if (row.size() == cutWidth)
-                row.removeLast();
-        }
-        return rows;
-    }
-
-    int cutWidth = 0;
 };
 
 // A signal's fields in one line; registers by their ids, "-" for none.
@@ -133,15 +112,6 @@ QString summary(const ChamberTypeData& type)
         .arg(type.chamberTypeId.typeId)
         .arg(type.chamberTypeId.additionalInfoId)
         .arg(type.getQualifiedTypeName(), type.controller, type.articleNumber, type.info, protocols.join(' '));
-}
-
-QList<int> errorCodes(const QSignalSpy& spy)
-{
-    QList<int> codes;
-    for (const QList<QVariant>& arguments : spy) {
-        codes.append(int(arguments.at(0).value<DatabaseConnectionError>()));
-    }
-    return codes;
 }
 
 // A store on its own connection to one database file.
