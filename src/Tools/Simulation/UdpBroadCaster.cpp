@@ -1,6 +1,7 @@
 #include "Tools/Simulation/UdpBroadCaster.h"
 
 #include <QHostAddress>
+#include <QNetworkDatagram>
 #include <QNetworkInterface>
 #include <QUdpSocket>
 
@@ -16,7 +17,7 @@ UdpBroadCaster::UdpBroadCaster(const QHostAddress& address, int port)
     : socket(new QUdpSocket)
 {
     socket->bind(address, static_cast<quint16>(port), QAbstractSocket::ShareAddress);
-    connect(socket.get(), &QUdpSocket::readyRead, this, &UdpBroadCaster::readUdpData);
+    connect(socket.get(), &QUdpSocket::readyRead, this, &UdpBroadCaster::datagramsArrived);
 }
 
 UdpBroadCaster::~UdpBroadCaster() = default;
@@ -35,6 +36,26 @@ QString UdpBroadCaster::getMacAddress() const
         }
     }
     return QLatin1String(noMacAddress);
+}
+
+void UdpBroadCaster::setSilent(bool silent)
+{
+    this->silent = silent;
+}
+
+bool UdpBroadCaster::isSilent() const
+{
+    return silent;
+}
+
+void UdpBroadCaster::datagramsArrived()
+{
+    if (!silent) {
+        readUdpData();
+        return;
+    }
+    while (socket->hasPendingDatagrams())
+        socket->receiveDatagram(0);
 }
 
 } // namespace zelmor::simulation
