@@ -9,6 +9,7 @@ packages=(
     libsqlcipher-dev sqlcipher sqlite3
     python3 python3-pymodbus python3-serial mbpoll socat iproute2 procps
     libmodbus-dev
+    libmicrohttpd-dev chromium python3-websocket curl
 )
 
 missing=()
