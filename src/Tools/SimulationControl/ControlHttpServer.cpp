@@ -187,8 +187,7 @@ bool ControlHttpServer::listen(const QHostAddress& address, quint16 port)
                               socketAddress, MHD_OPTION_CONNECTION_LIMIT, unsigned(limits.connectionLimit + 1),
                               MHD_OPTION_CONNECTION_TIMEOUT, unsigned(limits.idleTimeoutS), MHD_OPTION_NOTIFY_COMPLETED,
                               &Callbacks::completed, this, MHD_OPTION_NOTIFY_CONNECTION, &Callbacks::connection, this,
-                              MHD_OPTION_EXTERNAL_LOGGER, &Callbacks::log, this, MHD_OPTION_LISTENING_ADDRESS_REUSE, 1,
-                              MHD_OPTION_END);
+                              MHD_OPTION_EXTERNAL_LOGGER, &Callbacks::log, this, MHD_OPTION_END);
     if (!daemon) {
         error = QStringLiteral("cannot listen on %1 port %2: %3")
                     .arg(address.toString())
