@@ -32,6 +32,9 @@ constexpr int conflict = 409;
 constexpr char htmlType[] = "text/html; charset=utf-8";
 constexpr char metricsType[] = "text/plain; version=0.0.4; charset=utf-8";
 
+// Digits enough to tell every float from its neighbours.
+constexpr int floatDigits = 9;
+
 // The largest integer a JSON number (a double) carries exactly.
 constexpr double largestExactInteger = 9007199254740992.0;
 
@@ -85,8 +88,15 @@ QJsonValue toJson(const QVariant& value)
     switch (value.userType()) {
     case QMetaType::Bool:
         return value.toBool();
-    case QMetaType::Float:
-        return value.toString().toDouble();
+    case QMetaType::Float: {
+        const float number = value.toFloat();
+        for (int digits = 1; digits < floatDigits; ++digits) {
+            const QString text = QString::number(double(number), 'g', digits);
+            if (text.toFloat() == number)
+                return text.toDouble();
+        }
+        return double(number);
+    }
     case QMetaType::Double:
         return value.toDouble();
     case QMetaType::Int:
