@@ -223,8 +223,27 @@ QJsonObject ControlApi::describe(int id) const
             {QStringLiteral("faults"), faults.at(id) ? QJsonValue(faultsJson(*faults.at(id))) : QJsonValue()}};
 }
 
+// The cheap tests first: a list of 1000 chambers is walked for each request.
 bool ControlApi::matches(int id, const ControlRequest& request) const
 {
+    const ChamberSimulation& chamber = *chambers.at(id);
+    const auto wanted = [&request](const char* name) {
+        return request.queryValue(QLatin1String(name)) == QLatin1String("true");
+    };
+    if (request.hasQueryItem(QStringLiteral("online")) && chamber.isOnline() != wanted("online"))
+        return false;
+    if (request.hasQueryItem(QStringLiteral("faulty"))
+        && (faults.at(id) && faults.at(id)->isActive()) != wanted("faulty"))
+        return false;
+    const QString protocol = getProtocolString(domain::types::ChamberProtocol(chamber.getProtocolId()));
+    if (request.hasQueryItem(QStringLiteral("protocol"))
+        && protocol.compare(request.queryValue(QStringLiteral("protocol")), Qt::CaseInsensitive) != 0)
+        return false;
+    const QString text = request.queryValue(QStringLiteral("q")).trimmed();
+    if (!request.hasQueryItem(QStringLiteral("address")) && !request.hasQueryItem(QStringLiteral("slave"))
+        && text.isEmpty())
+        return true;
+
     const QJsonObject object = describe(id);
     if (request.hasQueryItem(QStringLiteral("address"))
         && object.value(QStringLiteral("address")).toString() != request.queryValue(QStringLiteral("address")))
@@ -232,29 +251,12 @@ bool ControlApi::matches(int id, const ControlRequest& request) const
     if (request.hasQueryItem(QStringLiteral("slave"))
         && object.value(QStringLiteral("slave")).toInt(-1) != request.queryValue(QStringLiteral("slave")).toInt())
         return false;
-    if (request.hasQueryItem(QStringLiteral("protocol"))
-        && object.value(QStringLiteral("protocol"))
-                   .toString()
-                   .compare(request.queryValue(QStringLiteral("protocol")), Qt::CaseInsensitive)
-               != 0)
-        return false;
-    if (request.hasQueryItem(QStringLiteral("online"))
-        && object.value(QStringLiteral("online")).toBool()
-               != (request.queryValue(QStringLiteral("online")) == QLatin1String("true")))
-        return false;
-    if (request.hasQueryItem(QStringLiteral("faulty"))
-        && (faults.at(id) && faults.at(id)->isActive())
-               != (request.queryValue(QStringLiteral("faulty")) == QLatin1String("true")))
-        return false;
-    const QString text = request.queryValue(QStringLiteral("q")).trimmed();
-    if (!text.isEmpty()) {
-        bool found = QString::number(id) == text;
-        for (const char* field : {"type", "controller", "protocol", "address"})
-            found = found || object.value(QLatin1String(field)).toString().contains(text, Qt::CaseInsensitive);
-        if (!found)
-            return false;
-    }
-    return true;
+    if (text.isEmpty())
+        return true;
+    bool found = QString::number(id) == text;
+    for (const char* field : {"type", "controller", "protocol", "address"})
+        found = found || object.value(QLatin1String(field)).toString().contains(text, Qt::CaseInsensitive);
+    return found;
 }
 
 ControlResponse ControlApi::listChambers(const ControlRequest& request) const
