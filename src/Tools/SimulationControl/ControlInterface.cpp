@@ -25,7 +25,7 @@ constexpr int largestPort = 65535;
 void printError(const QString& message)
 {
     QTextStream error(stderr);
-    error << ControlInterface::option_ << ": " << message << '\n';
+    error << QLatin1String(ControlInterface::option_).chopped(1) << ": " << message << '\n';
 }
 
 } // namespace
@@ -63,7 +63,9 @@ bool ControlInterface::checkOption()
 
 bool ControlInterface::parseAddress(const QString& text, QHostAddress* address, quint16* port, QString* error)
 {
-    static const QRegularExpression form(QStringLiteral("^(?:(?:\\[([0-9A-Fa-f:.]+)\\]|([^:\\[\\]]*)):)?(\\d+)$"));
+    // IPv4 as four dotted numbers (QHostAddress would take "1.2.3" for 1.2.0.3), IPv6 in brackets.
+    static const QRegularExpression form(
+        QStringLiteral("^(?:(?:\\[([0-9A-Fa-f:.]+)\\]|(\\d{1,3}(?:\\.\\d{1,3}){3}|localhost)):)?(\\d+)$"));
     const QRegularExpressionMatch match = form.match(text);
     if (!match.hasMatch()) {
         *error = QStringLiteral("\"%1\" is not PORT, ADDRESS:PORT or [IPv6 ADDRESS]:PORT").arg(text);
