@@ -10,6 +10,7 @@ packages=(
     libsqlcipher-dev sqlcipher sqlite3
     python3 python3-pymodbus python3-serial python3-serial-asyncio mbpoll socat iproute2 procps
     libmodbus-dev
+    libmicrohttpd-dev chromium python3-websocket curl
 )
 
 missing=()

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "Tools/Simulation/ChamberStatistics.h"
+#include "Tools/Simulation/RequestFault.h"
+
 #include <QSharedPointer>
 #include <QString>
 
@@ -9,6 +12,7 @@ class ChamberTypeData;
 
 namespace zelmor::simulation {
 
+class FaultPolicy;
 class SimulationReader;
 
 // The abstract chamber: a chamber type and the one reader behind every
@@ -38,9 +42,35 @@ public:
     QSharedPointer<SimulationReader> getSimulationReader() const;
     QSharedPointer<domain::types::ChamberTypeData> getChamberType() const;
 
+    // Hooks for a control interface. A chamber that nobody controls is
+    // online, has no fault policy and only counts.
+
+    // Offline, a chamber neither listens nor answers, nor does its own
+    // responder; online restores the service it had. False when the chamber
+    // can't be taken offline, or can't listen again.
+    virtual bool setOnline(bool online);
+    bool isOnline() const;
+    // The TCP port it serves on; 0 for none.
+    virtual int getPort() const;
+    // Clients connected now (for a tunnelled chamber, those of its converter).
+    virtual int getClientCount() const;
+    // Whether the chamber asks a fault policy at all.
+    virtual bool acceptsFaults() const;
+    void setFaultPolicy(QSharedPointer<FaultPolicy> policy);
+    QSharedPointer<FaultPolicy> getFaultPolicy() const;
+    const ChamberStatistics& getStatistics() const;
+
 protected:
+    // The fault for a request that just arrived, counted; none without a policy.
+    RequestFault nextFault();
+
     const QSharedPointer<domain::types::ChamberTypeData> chamberType;
     QSharedPointer<SimulationReader> simulationReader;
+    ChamberStatistics statistics;
+    bool online = true;
+
+private:
+    QSharedPointer<FaultPolicy> faultPolicy;
 };
 
 } // namespace zelmor::simulation

@@ -66,6 +66,20 @@ bool ModbusChamberSimulation::start()
     return true;
 }
 
+bool ModbusChamberSimulation::setOnline(bool online)
+{
+    if (online == this->online)
+        return true;
+    if (!online) {
+        openAgain = device->state() == QModbusDevice::ConnectedState;
+        device->disconnectDevice();
+    } else if (openAgain && !device->connectDevice()) {
+        return false;
+    }
+    this->online = online;
+    return true;
+}
+
 int ModbusChamberSimulation::getProtocolId() const
 {
     return protocolId_;

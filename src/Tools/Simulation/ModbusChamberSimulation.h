@@ -38,6 +38,8 @@ public:
     // running without clients, and the answer is true all the same.
     bool start() override;
     int getProtocolId() const override;
+    // Offline the serial port is closed; online it is opened again if it was open.
+    bool setOnline(bool online) override;
 
     // The port's name as given to the device ("COM3"), and the slave address.
     QString getSerialPortName() const;
@@ -55,6 +57,7 @@ protected:
 private:
     QModbusRtuSerialSlave* const device;
     int timer;
+    bool openAgain = false;
 };
 
 } // namespace zelmor::simulation

@@ -6,6 +6,7 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 
+#include <algorithm>
 #include <array>
 
 namespace zelmor::simulation {
@@ -46,6 +47,19 @@ void ModbusOverTcpServer::write(const QByteArray& data)
 {
     if (sendingSocket)
         sendingSocket->write(data);
+}
+
+QTcpSocket* ModbusOverTcpServer::getSendingSocket() const
+{
+    return sendingSocket;
+}
+
+int ModbusOverTcpServer::getClientCount() const
+{
+    const QList<QTcpSocket*> clients = server->findChildren<QTcpSocket*>();
+    return int(std::count_if(clients.cbegin(), clients.cend(), [](const QTcpSocket* client) {
+        return client->state() == QAbstractSocket::ConnectedState;
+    }));
 }
 
 QByteArray ModbusOverTcpServer::calcCrc(const QByteArray& data)

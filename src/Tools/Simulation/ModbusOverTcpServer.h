@@ -35,6 +35,11 @@ public:
 
     // To the client whose frame is being handled; nothing outside of that.
     void write(const QByteArray& data);
+    // That client, for an answer that is to go out later; null outside of
+    // the handling of a frame.
+    QTcpSocket* getSendingSocket() const;
+    // Clients connected now.
+    int getClientCount() const;
 
     // CRC-16/MODBUS of `data`, low byte first as it goes on the wire.
     static QByteArray calcCrc(const QByteArray& data);

@@ -7,8 +7,12 @@
 #include "Tools/Simulation/ModbusRtuConversion.h"
 #include "Tools/Simulation/SimulationReader.h"
 
+#include <QElapsedTimer>
 #include <QMap>
+#include <QPointer>
+#include <QTcpSocket>
 #include <QTextStream>
+#include <QTimer>
 #include <QVariantList>
 
 namespace zelmor::simulation {
@@ -32,6 +36,8 @@ constexpr int readHoldingRegistersFunction = 3;
 constexpr int readInputRegistersFunction = 4;
 constexpr int writeSingleRegisterFunction = 6;
 constexpr int writeMultipleRegistersFunction = 16;
+constexpr char exceptionFlag = char(0x80);
+constexpr char serverDeviceFailure = 0x04;
 
 // Registers of the data logger.
 constexpr int loggerMinutesRegister = 0x1310;
@@ -57,6 +63,15 @@ quint32 bigEndianAt(const QByteArray& data, int index, int size)
     for (int i = index; i < index + size; ++i)
         value = value << 8 | (i < data.size() ? quint32(quint8(data.at(i))) : 0u);
     return value;
+}
+
+// Function code with its high bit set, code 4 (server device failure).
+QByteArray exceptionReply(const QByteArray& request)
+{
+    QByteArray reply = request.left(1);
+    reply.append(char(byteAt(request, functionAt) | exceptionFlag));
+    reply.append(serverDeviceFailure);
+    return reply + ModbusOverTcpServer::calcCrc(reply);
 }
 
 // What a register that the reader doesn't know answers. Built at first need
@@ -93,6 +108,7 @@ ModbusRtuOverTcpChamberSimulation::ModbusRtuOverTcpChamberSimulation(
     , converter(ModbusOverTcpServerFactory::create(ipAddress, port))
     , modbusAddress(modbusAddress)
     , ipAddress(ipAddress)
+    , port(port)
     , loggerEpoch(QDate(2019, 1, 1), QTime(0, 0), Qt::LocalTime)
 {
     // Direct: the answer must be written while the converter handles the frame.
@@ -133,6 +149,37 @@ int ModbusRtuOverTcpChamberSimulation::getModbusAdr() const
     return modbusAddress;
 }
 
+bool ModbusRtuOverTcpChamberSimulation::setOnline(bool online)
+{
+    this->online = online;
+    return true;
+}
+
+int ModbusRtuOverTcpChamberSimulation::getPort() const
+{
+    return port;
+}
+
+int ModbusRtuOverTcpChamberSimulation::getClientCount() const
+{
+    return converter->getClientCount();
+}
+
+bool ModbusRtuOverTcpChamberSimulation::acceptsFaults() const
+{
+    return true;
+}
+
+QByteArray ModbusRtuOverTcpChamberSimulation::strayAnswer(QByteArray bytes)
+{
+    if (bytes.size() <= ModbusOverTcpServer::crcSize_)
+        bytes.prepend(ModbusOverTcpServer::crcSize_ + 1 - bytes.size(), '\0');
+    const int body = bytes.size() - ModbusOverTcpServer::crcSize_;
+    if (bytes.mid(body) == ModbusOverTcpServer::calcCrc(bytes.left(body)))
+        bytes[body] = char(bytes.at(body) ^ 0x01);
+    return bytes;
+}
+
 void ModbusRtuOverTcpChamberSimulation::dataReceived(const QByteArray& data)
 {
     // Every chamber of the converter runs here for every frame: the others'
@@ -140,8 +187,24 @@ void ModbusRtuOverTcpChamberSimulation::dataReceived(const QByteArray& data)
     if (data.size() < ModbusOverTcpServer::minimumFrameSize_)
         return;
     // Signed, so that slaves above 127 never answer.
-    if (qint8(data.constData()[slaveAt]) != modbusAddress)
+    if (qint8(data.constData()[slaveAt]) != modbusAddress || !online)
         return;
+    sinceArrival.start();
+    statistics.countRequest();
+    const RequestFault fault = nextFault();
+    answerDelayMs = fault.delayMs;
+    switch (fault.kind) {
+    case RequestFault::Drop:
+        return;
+    case RequestFault::Error:
+        answer(exceptionReply(data), true);
+        return;
+    case RequestFault::Stray:
+        answer(strayAnswer(fault.strayBytes));
+        return;
+    case RequestFault::None:
+        break;
+    }
     switch (byteAt(data, functionAt)) {
     case readHoldingRegistersFunction:
     case readInputRegistersFunction:
@@ -200,7 +263,7 @@ void ModbusRtuOverTcpChamberSimulation::readRegisters(const QByteArray& request)
     if (reply.size() < size)
         reply.append(size - reply.size(), '\0');
     reply += ModbusOverTcpServer::calcCrc(reply);
-    converter->write(reply);
+    answer(reply);
 }
 
 QVariant ModbusRtuOverTcpChamberSimulation::loggerRecords(int quantity)
@@ -229,7 +292,7 @@ void ModbusRtuOverTcpChamberSimulation::writeSingleRegister(const QByteArray& re
         loggerCount = ushort(bigEndianAt(word, 0, 2));
     // Refused or not, the write is echoed.
     write(address, convertQVariant(word, read(address)));
-    converter->write(request);
+    answer(request);
 }
 
 void ModbusRtuOverTcpChamberSimulation::writeMultipleRegisters(const QByteArray& request)
@@ -261,12 +324,30 @@ void ModbusRtuOverTcpChamberSimulation::writeMultipleRegisters(const QByteArray&
         remaining -= size;
     }
     reply += ModbusOverTcpServer::calcCrc(reply);
-    converter->write(reply);
+    answer(reply);
 }
 
 QVariant ModbusRtuOverTcpChamberSimulation::read(int address)
 {
     return simulationReader ? simulationReader->read(address) : QVariant();
+}
+
+void ModbusRtuOverTcpChamberSimulation::answer(const QByteArray& reply, bool isError)
+{
+    if (answerDelayMs <= 0) {
+        converter->write(reply);
+        statistics.countAnswer(sinceArrival.nsecsElapsed(), isError);
+        return;
+    }
+    // Past the converter's handling of the frame: straight to the client that sent it.
+    const QPointer<QTcpSocket> client(converter->getSendingSocket());
+    const QElapsedTimer arrival = sinceArrival;
+    QTimer::singleShot(answerDelayMs, this, [this, client, reply, arrival, isError] {
+        if (!client || !client->isOpen())
+            return;
+        client->write(reply);
+        statistics.countAnswer(arrival.nsecsElapsed(), isError);
+    });
 }
 
 void ModbusRtuOverTcpChamberSimulation::write(int address, const QVariant& value)

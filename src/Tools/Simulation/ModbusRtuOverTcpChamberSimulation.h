@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QDateTime>
+#include <QElapsedTimer>
 #include <QObject>
 #include <QSharedPointer>
 #include <QString>
@@ -52,6 +53,17 @@ public:
     int getModbusAddress() const override;
     int getModbusAdr() const;
 
+    // Offline the chamber stays silent to its slave address; the converter
+    // and the other chambers on it go on.
+    bool setOnline(bool online) override;
+    int getPort() const override;
+    // The converter's clients: they are shared by all of its chambers.
+    int getClientCount() const override;
+    bool acceptsFaults() const override;
+
+    // A stray answer made of `bytes`: never a frame, since its CRC is wrong.
+    static QByteArray strayAnswer(QByteArray bytes);
+
 public slots:
     // One frame as the converter got it. Answers through the converter's
     // write() before returning, or not at all.
@@ -64,10 +76,17 @@ private:
     QVariant loggerRecords(int quantity);
     QVariant read(int address);
     void write(int address, const QVariant& value);
+    // Sends the answer to the request being handled, now or after the
+    // delay of its fault, and counts it.
+    void answer(const QByteArray& reply, bool isError = false);
 
     ModbusOverTcpServer* const converter;
     const int modbusAddress;
     const QString ipAddress;
+    const int port;
+    // Of the request being handled.
+    QElapsedTimer sinceArrival;
+    int answerDelayMs = 0;
     unsigned int loggerIndex = 0;
     unsigned int loggerSeconds = 0;
     unsigned short loggerCount = 0;

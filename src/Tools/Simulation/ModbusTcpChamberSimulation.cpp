@@ -3,12 +3,20 @@
 #include "Domain/Types/ChamberTypeData.h"
 #include "Domain/Types/ControllerAddress.h"
 #include "Tools/Simulation/ConsoleOutput.h"
+#include "Tools/Simulation/FaultPolicy.h"
 #include "Tools/Simulation/OpenFileLimit.h"
 #include "Tools/Simulation/SimulationReader.h"
 #include "Tools/Simulation/XPortBroadcastSimulation.h"
 
+#include <QDataStream>
+#include <QElapsedTimer>
+#include <QModbusPdu>
+#include <QPointer>
+#include <QTcpSocket>
 #include <QTextStream>
+#include <QTimer>
 
+#include <algorithm>
 #include <cstring>
 
 namespace zelmor::simulation {
@@ -28,7 +36,44 @@ quint32 fromLowWordFirst(const QVector<unsigned short>& words)
     return quint32(words.value(0)) | (quint32(words.value(1)) << wordBits);
 }
 
+// The MBAP header in front of each request and answer: transaction,
+// protocol, length (of unit and PDU), unit.
+constexpr int mbapHeaderSize = 7;
+constexpr int protocolIdAt = 2;
+
+// An answer framed as Qt's server frames it.
+QByteArray framed(quint16 transactionId, quint16 protocolId, quint8 unitId, const QModbusResponse& response)
+{
+    QByteArray frame;
+    QDataStream output(&frame, QIODevice::WriteOnly);
+    output << transactionId << protocolId << quint16(response.size() + 1) << unitId << response;
+    return frame;
+}
+
 } // namespace
+
+// Sees each new client before Qt's server does, so that the chamber's own
+// reading comes first.
+class ModbusTcpChamberSimulation::ConnectionObserver : public QModbusTcpConnectionObserver
+{
+public:
+    explicit ConnectionObserver(ModbusTcpChamberSimulation* chamber)
+        : chamber(chamber)
+    {
+    }
+
+    bool acceptNewConnection(QTcpSocket* client) override
+    {
+        connect(client, &QTcpSocket::readyRead, chamber,
+                [chamber = chamber, client] { chamber->takeOverRequests(client); });
+        connect(client, &QObject::destroyed, chamber,
+                [chamber = chamber, client] { chamber->takenOver.remove(client); });
+        return true;
+    }
+
+private:
+    ModbusTcpChamberSimulation* const chamber;
+};
 
 constexpr char ModbusTcpChamberSimulation::defaultIpAddress_[];
 
@@ -65,6 +110,7 @@ void ModbusTcpChamberSimulation::initClass()
     setConnectionParameter(QModbusDevice::NetworkPortParameter, port);
     // Listening and accepting failures both end here.
     connect(this, &QModbusDevice::errorOccurred, this, &OpenFileLimit::reportIfExhausted);
+    installConnectionObserver(new ConnectionObserver(this));
 }
 
 bool ModbusTcpChamberSimulation::start()
@@ -85,6 +131,132 @@ int ModbusTcpChamberSimulation::getProtocolId() const
 QString ModbusTcpChamberSimulation::getIpAddress() const
 {
     return ipAddress.toString();
+}
+
+bool ModbusTcpChamberSimulation::setOnline(bool online)
+{
+    if (online == this->online)
+        return true;
+    if (!online) {
+        listenAgain = state() == QModbusDevice::ConnectedState;
+        disconnectDevice();
+    } else if (listenAgain && !connectDevice()) {
+        return false;
+    }
+    broadcaster->setSilent(!online);
+    this->online = online;
+    return true;
+}
+
+int ModbusTcpChamberSimulation::getPort() const
+{
+    return port;
+}
+
+int ModbusTcpChamberSimulation::getClientCount() const
+{
+    const QList<QTcpSocket*> clients = findChildren<QTcpSocket*>();
+    return int(std::count_if(clients.cbegin(), clients.cend(), [](const QTcpSocket* client) {
+        return client->state() == QAbstractSocket::ConnectedState;
+    }));
+}
+
+bool ModbusTcpChamberSimulation::acceptsFaults() const
+{
+    return true;
+}
+
+QByteArray ModbusTcpChamberSimulation::strayAnswer(QByteArray bytes)
+{
+    if (bytes.size() <= protocolIdAt)
+        bytes.append(protocolIdAt + 1 - bytes.size(), '\0');
+    bytes[protocolIdAt] = char(bytes.at(protocolIdAt) | 0x80);
+    return bytes;
+}
+
+QModbusResponse ModbusTcpChamberSimulation::processRequest(const QModbusPdu& request)
+{
+    QElapsedTimer sinceArrival;
+    sinceArrival.start();
+    statistics.countRequest();
+    const QModbusResponse response = QModbusTcpServer::processRequest(request);
+    statistics.countAnswer(sinceArrival.nsecsElapsed(), response.isException());
+    return response;
+}
+
+void ModbusTcpChamberSimulation::takeOverRequests(QTcpSocket* client)
+{
+    const QSharedPointer<FaultPolicy> policy = getFaultPolicy();
+    QByteArray& pending = takenOver[client];
+    // Without an active policy Qt's server reads on, unless a request taken
+    // over is still incomplete.
+    if (pending.isEmpty() && (!policy || !policy->isActive())) {
+        takenOver.remove(client);
+        return;
+    }
+    pending += client->readAll();
+    while (pending.size() >= mbapHeaderSize) {
+        // As Qt's server reckons it, in 16 bits: a length of 0 never completes.
+        const quint16 length = quint16((quint8(pending.at(4)) << 8) | quint8(pending.at(5)));
+        const int frameSize = mbapHeaderSize + quint16(length - 1);
+        if (pending.size() < frameSize)
+            return;
+        const QByteArray frame = pending.left(frameSize);
+        pending.remove(0, frameSize);
+        answerWithFault(client, frame);
+    }
+}
+
+void ModbusTcpChamberSimulation::answerWithFault(QTcpSocket* client, const QByteArray& frame)
+{
+    QElapsedTimer sinceArrival;
+    sinceArrival.start();
+    quint16 transactionId = 0;
+    quint16 protocolId = 0;
+    quint16 length = 0;
+    quint8 unitId = 0;
+    QModbusRequest request;
+    QDataStream input(frame);
+    input >> transactionId >> protocolId >> length >> unitId >> request;
+    // Another unit's request goes unanswered, as in Qt's server.
+    if (unitId != serverAddress())
+        return;
+
+    statistics.countRequest();
+    const RequestFault fault = nextFault();
+    QByteArray answer;
+    bool isError = false;
+    switch (fault.kind) {
+    case RequestFault::Drop:
+        return;
+    case RequestFault::Stray:
+        answer = strayAnswer(fault.strayBytes);
+        break;
+    case RequestFault::Error:
+        isError = true;
+        answer =
+            framed(transactionId, protocolId, unitId,
+                   QModbusExceptionResponse(request.functionCode(), QModbusExceptionResponse::ServerDeviceFailure));
+        break;
+    case RequestFault::None: {
+        const QModbusResponse response = QModbusTcpServer::processRequest(request);
+        isError = response.isException();
+        answer = framed(transactionId, protocolId, unitId, response);
+        break;
+    }
+    }
+
+    const QPointer<QTcpSocket> guarded(client);
+    const auto send = [this, guarded, answer, sinceArrival, isError] {
+        if (!guarded || !guarded->isOpen())
+            return;
+        guarded->write(answer);
+        statistics.countAnswer(sinceArrival.nsecsElapsed(), isError);
+    };
+    if (fault.delayMs > 0)
+        QTimer::singleShot(fault.delayMs, this, send);
+    else
+        send();
 }
 
 QVector<unsigned short> ModbusTcpChamberSimulation::convertQVariant(const QVariant& value) const

@@ -2,6 +2,8 @@
 
 #include "Tools/Simulation/ChamberSimulation.h"
 
+#include <QByteArray>
+#include <QHash>
 #include <QHostAddress>
 #include <QModbusTcpServer>
 #include <QSharedPointer>
@@ -53,6 +55,20 @@ public:
     int getProtocolId() const override;
     QString getIpAddress() const override;
 
+    // Offline the chamber stops listening, ends its clients' connections and
+    // silences its responder; online it listens again if it did before.
+    bool setOnline(bool online) override;
+    int getPort() const override;
+    int getClientCount() const override;
+    // While its fault policy is active the chamber takes the requests off
+    // the connection before Qt's server sees them, and frames the answers
+    // itself, so that it can hold them back, leave them out or spoil them.
+    bool acceptsFaults() const override;
+
+    // A stray answer made of `bytes`: never a frame, since its protocol
+    // identifier isn't 0.
+    static QByteArray strayAnswer(QByteArray bytes);
+
     // A value as Modbus registers, by its type: a bool is the word 0 (so a
     // true reads as 0 too), an unsigned short one word, an int, unsigned int
     // and float two words with the low half first; any other type, and an
@@ -71,13 +87,22 @@ protected:
     // Takes exactly as many registers as the current value has, starting at
     // its address; anything else fails with a console message.
     bool writeData(const QModbusDataUnit& unit) override;
+    // Counts the request and its answer.
+    QModbusResponse processRequest(const QModbusPdu& request) override;
 
 private:
+    class ConnectionObserver;
+
     void initClass();
+    void takeOverRequests(QTcpSocket* client);
+    void answerWithFault(QTcpSocket* client, const QByteArray& frame);
 
     QHostAddress ipAddress;
     QSharedPointer<UdpBroadCaster> broadcaster;
     int port;
+    bool listenAgain = false;
+    // Bytes of a request taken off a connection and not yet complete.
+    QHash<QTcpSocket*, QByteArray> takenOver;
 };
 
 } // namespace zelmor::simulation

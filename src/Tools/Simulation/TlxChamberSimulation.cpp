@@ -6,6 +6,7 @@
 #include "Tools/Simulation/SimulationReader.h"
 #include "Tools/Simulation/TlxBroadCastSimulation.h"
 
+#include <QElapsedTimer>
 #include <QPointer>
 #include <QRegExp>
 #include <QTcpServer>
@@ -81,6 +82,44 @@ bool TlxChamberSimulation::start()
     return false;
 }
 
+bool TlxChamberSimulation::setOnline(bool online)
+{
+    if (online == this->online)
+        return true;
+    if (!online) {
+        listenAgain = server->isListening();
+        server->close();
+        currentClient.reset();
+    } else if (listenAgain && !server->listen(ipAddress, static_cast<quint16>(port))) {
+        return false;
+    }
+    broadcaster->setSilent(!online);
+    this->online = online;
+    return true;
+}
+
+int TlxChamberSimulation::getPort() const
+{
+    return port;
+}
+
+int TlxChamberSimulation::getClientCount() const
+{
+    return currentClient && currentClient->state() == QAbstractSocket::ConnectedState ? 1 : 0;
+}
+
+bool TlxChamberSimulation::acceptsFaults() const
+{
+    return true;
+}
+
+QByteArray TlxChamberSimulation::strayAnswer(QByteArray bytes)
+{
+    if (bytes.isEmpty() || (bytes.at(0) >= '0' && bytes.at(0) <= '9'))
+        bytes.prepend('\xff');
+    return bytes;
+}
+
 int TlxChamberSimulation::getProtocolId() const
 {
     return protocolId_;
@@ -116,15 +155,30 @@ void TlxChamberSimulation::readData()
 {
     if (!currentClient)
         return;
+    QElapsedTimer sinceArrival;
+    sinceArrival.start();
+    statistics.countRequest();
     // Each read is a request of its own: nothing is kept for the next one.
-    const QByteArray answer = answerTo(currentClient->readAll());
+    const QByteArray request = currentClient->readAll();
+    const RequestFault fault = nextFault();
+    if (fault.kind == RequestFault::Drop)
+        return;
+    QByteArray answer;
+    if (fault.kind == RequestFault::Error)
+        answer = errorAnswer;
+    else if (fault.kind == RequestFault::Stray)
+        answer = strayAnswer(fault.strayBytes);
+    else
+        answer = answerTo(request);
     // No context object: the answer goes to whoever is the client when the
     // timer fires, which after a reconnection is the new one. The guarded
     // pointer only keeps a chamber destroyed meanwhile from being touched.
     const QPointer<TlxChamberSimulation> chamber(this);
-    QTimer::singleShot(answerDelayMs_, [chamber, answer]() {
-        if (chamber)
-            chamber->sendToCurrentClient(answer);
+    QTimer::singleShot(answerDelayMs_ + fault.delayMs, [chamber, answer, sinceArrival]() {
+        if (!chamber)
+            return;
+        if (chamber->sendToCurrentClient(answer))
+            chamber->statistics.countAnswer(sinceArrival.nsecsElapsed(), answer == errorAnswer);
     });
 }
 
@@ -165,11 +219,13 @@ QByteArray TlxChamberSimulation::answerTo(const QByteArray& request) const
     return QByteArray(errorAnswer);
 }
 
-void TlxChamberSimulation::sendToCurrentClient(const QByteArray& answer)
+bool TlxChamberSimulation::sendToCurrentClient(const QByteArray& answer)
 {
     // A client that went away stays current but is no longer writable.
-    if (currentClient && currentClient->isWritable())
-        currentClient->write(answer);
+    if (!currentClient || !currentClient->isWritable())
+        return false;
+    currentClient->write(answer);
+    return true;
 }
 
 } // namespace zelmor::simulation

@@ -50,6 +50,17 @@ public:
     int getProtocolId() const override;
     QString getIpAddress() const override;
 
+    // Offline the chamber stops listening, drops its client and silences
+    // its responder; online it listens again if it listened before.
+    bool setOnline(bool online) override;
+    int getPort() const override;
+    int getClientCount() const override;
+    bool acceptsFaults() const override;
+
+    // A stray answer made of `bytes`: never a frame, since it doesn't start
+    // with a digit of a length line.
+    static QByteArray strayAnswer(QByteArray bytes);
+
     // Frames an answer body: its length in characters (before UTF-8), at
     // least two decimal digits, CR LF, then the body, in UTF-8.
     static QByteArray frame(QString body);
@@ -60,13 +71,15 @@ private slots:
 
 private:
     QByteArray answerTo(const QByteArray& request) const;
-    void sendToCurrentClient(const QByteArray& answer);
+    // False when there is no client to take it.
+    bool sendToCurrentClient(const QByteArray& answer);
 
     const std::unique_ptr<QTcpServer> server;
     std::unique_ptr<QTcpSocket> currentClient;
     QSharedPointer<TlxBroadCastSimulation> broadcaster;
     QHostAddress ipAddress;
     int port;
+    bool listenAgain = false;
 };
 
 } // namespace zelmor::simulation

@@ -3,6 +3,7 @@
 #include "Tools/Simulation/OpenFileLimit.h"
 
 #include <QHostAddress>
+#include <QNetworkDatagram>
 #include <QNetworkInterface>
 #include <QUdpSocket>
 
@@ -19,7 +20,7 @@ UdpBroadCaster::UdpBroadCaster(const QHostAddress& address, int port)
 {
     if (!socket->bind(address, static_cast<quint16>(port), QAbstractSocket::ShareAddress))
         OpenFileLimit::reportIfExhausted();
-    connect(socket.get(), &QUdpSocket::readyRead, this, &UdpBroadCaster::readUdpData);
+    connect(socket.get(), &QUdpSocket::readyRead, this, &UdpBroadCaster::datagramsArrived);
 }
 
 UdpBroadCaster::~UdpBroadCaster() = default;
@@ -38,6 +39,26 @@ QString UdpBroadCaster::getMacAddress() const
         }
     }
     return QLatin1String(noMacAddress);
+}
+
+void UdpBroadCaster::setSilent(bool silent)
+{
+    this->silent = silent;
+}
+
+bool UdpBroadCaster::isSilent() const
+{
+    return silent;
+}
+
+void UdpBroadCaster::datagramsArrived()
+{
+    if (!silent) {
+        readUdpData();
+        return;
+    }
+    while (socket->hasPendingDatagrams())
+        socket->receiveDatagram(0);
 }
 
 } // namespace zelmor::simulation

@@ -29,6 +29,11 @@ public:
     // is none, as for every loopback address.
     QString getMacAddress() const;
 
+    // A silent responder takes every datagram and answers none, printing
+    // nothing; the socket stays bound, so that speaking again needs no bind.
+    void setSilent(bool silent);
+    bool isSilent() const;
+
 protected slots:
     // Runs on each readyRead() of the socket; takes one datagram per call
     // (the socket signals again while datagrams are pending).
@@ -36,6 +41,11 @@ protected slots:
 
 protected:
     const std::unique_ptr<QUdpSocket> socket;
+
+private:
+    void datagramsArrived();
+
+    bool silent = false;
 };
 
 } // namespace zelmor::simulation

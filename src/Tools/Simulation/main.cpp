@@ -7,6 +7,7 @@
 #include "Tools/Simulation/ConsoleOutput.h"
 #include "Tools/Simulation/OpenFileLimit.h"
 #include "Tools/Simulation/XmlSimulationReader.h"
+#include "Tools/SimulationControl/ControlInterface.h"
 
 #include <QApplication>
 #include <QFile>
@@ -23,6 +24,7 @@ using zelmor::base::connection::databaseconnection::SqlQuery;
 using zelmor::simulation::ChamberSimulation;
 using zelmor::simulation::consoleEndLine;
 using zelmor::simulation::consoleOutput;
+using zelmor::simulation::control::ControlInterface;
 
 namespace {
 
@@ -165,6 +167,7 @@ int main(int argc, char* argv[])
     QString portText;
     QString automaticAddress;
     QString valueFilePath;
+    ControlInterface control;
 
     // Every element is tested against every option, with no else between
     // them; text options concatenate, the type ids accumulate in order.
@@ -191,7 +194,10 @@ int main(int argc, char* argv[])
             automaticAddress.append(argument.mid(2));
         if (argument.startsWith(QLatin1String("-x")))
             valueFilePath.append(argument.mid(2));
+        control.takeArgument(argument);
     }
+    if (!control.checkOption())
+        return ControlInterface::badOption_;
     if (ipAddress.isEmpty())
         ipAddress.append(QLatin1String(defaultIpAddress));
     if (chamberTypeIds.isEmpty())
@@ -244,6 +250,9 @@ int main(int argc, char* argv[])
     // second start() leaves the first one's listener as it is.
     for (const QSharedPointer<ChamberSimulation>& chamber : chambers)
         chamber->start();
+
+    if (!control.start(chambers))
+        return ControlInterface::notListening_;
 
     return application.exec();
 }

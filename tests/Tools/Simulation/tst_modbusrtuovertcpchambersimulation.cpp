@@ -1,5 +1,6 @@
 #include "Domain/Types/ChamberTypeData.h"
 #include "Tools/Simulation/ModbusRtuOverTcpChamberSimulation.h"
+#include "support/FixedFaultPolicy.h"
 #include "support/MapReader.h"
 #include "support/RtuOverTcp.h"
 
@@ -69,6 +70,9 @@ private slots:
     void exchange();
     void loggerMinutes();
     void badInputHarmsNobody();
+    void faults_data();
+    void faults();
+    void offlineSlaveAmongNeighbours();
 };
 
 void TestModbusRtuOverTcpChamberSimulation::exchange_data()
@@ -187,6 +191,81 @@ void TestModbusRtuOverTcpChamberSimulation::badInputHarmsNobody()
     QByteArray received;
     QVERIFY(QTest::qWaitFor([&] { return (received += attacker.readAll()).endsWith(withCrc(hex("64030400000001"))); },
                             10000));
+}
+
+void TestModbusRtuOverTcpChamberSimulation::faults_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<int>("delayMs");
+    QTest::addColumn<QByteArray>("strayBytes");
+    QTest::addColumn<QByteArray>("reply"); // empty: none
+    // The float 23.5 (41BC0000) as b1 b0 b3 b2.
+    QTest::newRow("delay alone") << int(RequestFault::None) << 100 << QByteArray() << withCrc(hex("050404000041bc"));
+    // Function 4 with its exception bit, code 4 (server device failure).
+    QTest::newRow("error") << int(RequestFault::Error) << 0 << QByteArray() << withCrc(hex("058404"));
+    QTest::newRow("error, late") << int(RequestFault::Error) << 100 << QByteArray() << withCrc(hex("058404"));
+    // Too short for a CRC: zeros go in front; 00 has the CRC BF 40, not 61 62.
+    QTest::newRow("stray bytes") << int(RequestFault::Stray) << 0 << QByteArray("ab") << QByteArray("\0ab", 3);
+    // Bytes that happen to end in their CRC get its first byte spoilt.
+    QByteArray spoilt = withCrc(hex("0504"));
+    spoilt[2] = char(spoilt.at(2) ^ 0x01);
+    QTest::newRow("stray bytes with a good CRC") << int(RequestFault::Stray) << 0 << withCrc(hex("0504")) << spoilt;
+    QTest::newRow("dropped") << int(RequestFault::Drop) << 0 << QByteArray() << QByteArray();
+}
+
+// A read of slave 5 under each fault; slave 6 on the same converter answers
+// as always, and so does slave 5 once the faults are gone.
+void TestModbusRtuOverTcpChamberSimulation::faults()
+{
+    QFETCH(int, kind);
+    QFETCH(int, delayMs);
+    QFETCH(QByteArray, strayBytes);
+    QFETCH(QByteArray, reply);
+    const auto faulty = chamber(8, 5);
+    const auto neighbour = chamber(8, 6);
+    const auto policy = QSharedPointer<FixedFaultPolicy>::create();
+    policy->fault.kind = RequestFault::Kind(kind);
+    policy->fault.delayMs = delayMs;
+    policy->fault.strayBytes = strayBytes;
+    faulty->setFaultPolicy(policy);
+    QTcpSocket client;
+    QVERIFY(connected(client, address(8), port));
+    QElapsedTimer clock;
+    clock.start();
+    QVERIFY(deliver(client, withCrc(hex("050401000002"))));
+    if (reply.isEmpty()) {
+        QCOMPARE(receive(client, 1, 300), QByteArray());
+    } else {
+        QCOMPARE(receive(client, reply.size()), reply);
+        QVERIFY2(clock.nsecsElapsed() >= delayMs * 1000LL * 1000, qPrintable(QString::number(clock.nsecsElapsed())));
+    }
+    QVERIFY(deliver(client, withCrc(hex("060401000002"))));
+    QCOMPARE(receive(client, 9), withCrc(hex("060404000041bc")));
+    policy->active = false;
+    QVERIFY(deliver(client, withCrc(hex("050401000002"))));
+    QCOMPARE(receive(client, 9), withCrc(hex("050404000041bc")));
+
+    QCOMPARE(faulty->getStatistics().getRequests(), quint64(2));
+    QCOMPARE(faulty->getStatistics().getErrors(), quint64(kind == RequestFault::Error ? 1 : 0));
+    QCOMPARE(neighbour->getStatistics().getRequests(), quint64(1));
+    QCOMPARE(faulty->getClientCount(), 1);
+}
+
+void TestModbusRtuOverTcpChamberSimulation::offlineSlaveAmongNeighbours()
+{
+    const auto offline = chamber(9, 5);
+    const auto neighbour = chamber(9, 6);
+    QVERIFY(offline->setOnline(false));
+    QTcpSocket client;
+    QVERIFY(connected(client, address(9), port));
+    QVERIFY(deliver(client, withCrc(hex("050401000002"))));
+    QCOMPARE(receive(client, 1, 300), QByteArray());
+    QVERIFY(deliver(client, withCrc(hex("060401000002"))));
+    QCOMPARE(receive(client, 9), withCrc(hex("060404000041bc")));
+    QCOMPARE(offline->getStatistics().getRequests(), quint64(0));
+    QVERIFY(offline->setOnline(true));
+    QVERIFY(deliver(client, withCrc(hex("050401000002"))));
+    QCOMPARE(receive(client, 9), withCrc(hex("050404000041bc")));
 }
 
 QTEST_GUILESS_MAIN(TestModbusRtuOverTcpChamberSimulation)

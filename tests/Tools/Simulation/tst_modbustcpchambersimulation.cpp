@@ -2,10 +2,13 @@
 #include "Tools/Simulation/ConsoleOutput.h"
 #include "Tools/Simulation/ModbusTcpChamberSimulation.h"
 #include "support/ClientProcess.h"
+#include "support/FixedFaultPolicy.h"
 #include "support/MapReader.h"
+#include "support/RtuOverTcp.h"
 #include "support/StreamCapture.h"
 
 #include <QTcpSocket>
+#include <QUdpSocket>
 #include <QtTest>
 
 #include <unistd.h>
@@ -55,6 +58,9 @@ private slots:
     void pymodbusRequests_data();
     void pymodbusRequests();
     void frameBytes();
+    void faults_data();
+    void faults();
+    void offlineAndBack();
 };
 
 void TestModbusTcpChamberSimulation::initTestCase()
@@ -145,6 +151,102 @@ void TestModbusTcpChamberSimulation::frameBytes()
     QByteArray answer;
     QTRY_VERIFY((answer += socket.readAll()).size() >= replies.size());
     QCOMPARE(answer.toHex(' '), replies.toHex(' '));
+}
+
+void TestModbusTcpChamberSimulation::faults_data()
+{
+    QTest::addColumn<bool>("active");
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<int>("delayMs");
+    QTest::addColumn<QByteArray>("strayBytes");
+    QTest::addColumn<QByteArray>("replies");
+    // The replies of frameBytes, framed by Qt's server or by the chamber alike.
+    const QByteArray own = QByteArray::fromHex("0007 0000 0005 ff 03 04 1234  0008 0000 0007 ff 04 02 0000 3f80"
+                                               "000a 0000 0005 ff 03 02 1234");
+    QTest::newRow("inactive: Qt's server") << false << int(RequestFault::Error) << 0 << QByteArray() << own;
+    QTest::newRow("delay alone") << true << int(RequestFault::None) << 100 << QByteArray() << own;
+    // Each function with its exception bit, code 4 (server device failure); unit 1 still unanswered.
+    QTest::newRow("error") << true << int(RequestFault::Error) << 0 << QByteArray()
+                           << QByteArray::fromHex("0007 0000 0003 ff 83 04  0008 0000 0003 ff 84 04"
+                                                  "000a 0000 0003 ff 83 04");
+    // Short bytes are filled up to the protocol field, whose high bit is set.
+    QTest::newRow("stray bytes") << true << int(RequestFault::Stray) << 0 << QByteArray("ab")
+                                 << QByteArray::fromHex("616280").repeated(3);
+    QTest::newRow("stray bytes like a frame")
+        << true << int(RequestFault::Stray) << 0 << QByteArray::fromHex("0001 0000 0003 ff 83 04")
+        << QByteArray::fromHex("0001 8000 0003 ff 83 04").repeated(3);
+    QTest::newRow("dropped") << true << int(RequestFault::Drop) << 0 << QByteArray() << QByteArray();
+}
+
+// The frames of frameBytes, the first of them split over two writes, under
+// each fault; the chamber's own answers come as Qt's server gives them.
+void TestModbusTcpChamberSimulation::faults()
+{
+    QFETCH(bool, active);
+    QFETCH(int, kind);
+    QFETCH(int, delayMs);
+    QFETCH(QByteArray, strayBytes);
+    QFETCH(QByteArray, replies);
+    Chamber chamber;
+    QVERIFY(chamber.started);
+    StreamCapture output(consoleOutput());
+    const auto policy = QSharedPointer<FixedFaultPolicy>::create();
+    policy->active = active;
+    policy->fault.kind = RequestFault::Kind(kind);
+    policy->fault.delayMs = delayMs;
+    policy->fault.strayBytes = strayBytes;
+    chamber.server.setFaultPolicy(policy);
+    QTcpSocket socket;
+    socket.connectToHost(chamber.ipAddress, 502);
+    QVERIFY(socket.waitForConnected(10000));
+    QTRY_COMPARE(chamber.server.getClientCount(), 1);
+    QElapsedTimer clock;
+    clock.start();
+    QVERIFY(deliver(socket, QByteArray::fromHex("0007 0000 00")));
+    socket.write(QByteArray::fromHex("06 ff 03 0020 0002  0008 0000 0006 ff 04 0010 0001"
+                                     "0009 0000 0006 01 03 0010 0002  000a 0000 0006 ff 03 0020 0001"));
+    QByteArray answer;
+    if (replies.isEmpty()) {
+        QSignalSpy arrived(&socket, &QTcpSocket::readyRead);
+        QVERIFY(!arrived.wait(300));
+    } else {
+        QTRY_VERIFY((answer += socket.readAll()).size() >= replies.size());
+        QVERIFY2(clock.nsecsElapsed() >= delayMs * 1000LL * 1000, qPrintable(QString::number(clock.nsecsElapsed())));
+    }
+    QCOMPARE(answer.toHex(' '), replies.toHex(' '));
+    QCOMPARE(chamber.server.getStatistics().getRequests(), quint64(3));
+    QCOMPARE(policy->asked, active ? 3 : 0);
+}
+
+// Offline the server listens no more and its clients are gone, the
+// responder keeps silent; online both are back.
+void TestModbusTcpChamberSimulation::offlineAndBack()
+{
+    Chamber chamber;
+    QVERIFY(chamber.started);
+    QTcpSocket client;
+    client.connectToHost(chamber.ipAddress, 502);
+    QVERIFY(client.waitForConnected(10000));
+    QTRY_COMPARE(chamber.server.getClientCount(), 1);
+    QUdpSocket discovery;
+    QVERIFY(discovery.bind(QHostAddress(QStringLiteral("127.0.62.250")), 0));
+    QSignalSpy answered(&discovery, &QUdpSocket::readyRead);
+
+    QVERIFY(chamber.server.setOnline(false));
+    QTRY_COMPARE(client.state(), QAbstractSocket::UnconnectedState);
+    QTRY_COMPARE(chamber.server.getClientCount(), 0);
+    QTcpSocket refused;
+    refused.connectToHost(chamber.ipAddress, 502);
+    QVERIFY(!refused.waitForConnected(2000));
+    QCOMPARE(discovery.writeDatagram("", QHostAddress(chamber.ipAddress), 30718), 0);
+    QVERIFY(!answered.wait(300));
+
+    QVERIFY(chamber.server.setOnline(true));
+    QTcpSocket again;
+    again.connectToHost(chamber.ipAddress, 502);
+    QVERIFY(again.waitForConnected(10000));
+    QCOMPARE(discovery.writeDatagram("", QHostAddress(chamber.ipAddress), 30718), 0);
+    QVERIFY(answered.wait(10000));
 }
 
 QTEST_GUILESS_MAIN(TestModbusTcpChamberSimulation)

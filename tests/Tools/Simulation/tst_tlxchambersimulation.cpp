@@ -6,6 +6,7 @@
 #include "Domain/Types/ChamberTypeData.h"
 #include "Tools/Simulation/ConsoleOutput.h"
 #include "Tools/Simulation/TlxChamberSimulation.h"
+#include "support/FixedFaultPolicy.h"
 #include "support/MapReader.h"
 #include "support/StreamCapture.h"
 #include "support/TcpExchange.h"
@@ -74,6 +75,9 @@ private slots:
     void newestClientWins();
     void shortBodyTakesTwoDigits();
     void discoveryBeforeStart();
+    void faults_data();
+    void faults();
+    void offlineAndBack();
 };
 
 void TestTlxChamberSimulation::exchange_data()
@@ -192,6 +196,104 @@ void TestTlxChamberSimulation::discoveryBeforeStart()
                            + "\r\nSender:" + sender + " \r\n" + reply + "\r\n";
     }
     QCOMPARE(console.text(), expectedConsole);
+}
+
+void TestTlxChamberSimulation::faults_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<int>("delayMs");
+    QTest::addColumn<QByteArray>("strayBytes");
+    QTest::addColumn<QByteArray>("answer"); // empty: none
+    QTest::addColumn<int>("errors");
+    const QByteArray write = "28\r\nCANIDWriteValue:00000010:5\r\n";
+    QTest::newRow("delay alone") << int(RequestFault::None) << 100 << QByteArray() << write << 0;
+    QTest::newRow("error") << int(RequestFault::Error) << 0 << QByteArray() << error << 1;
+    QTest::newRow("error, late") << int(RequestFault::Error) << 60 << QByteArray() << error << 1;
+    // A first digit would start a length line: a byte that is none goes in front.
+    QTest::newRow("stray bytes that look like a frame") << int(RequestFault::Stray) << 0 << QByteArray("12\r\nxx")
+                                                        << QByteArray("\xff"
+                                                                      "12\r\nxx")
+                                                        << 0;
+    QTest::newRow("stray bytes") << int(RequestFault::Stray) << 0 << QByteArray("ab") << QByteArray("ab") << 0;
+    QTest::newRow("dropped") << int(RequestFault::Drop) << 0 << QByteArray() << QByteArray() << 0;
+}
+
+// A write under each fault: answered 20 ms plus the delay after it came, and
+// taken by the reader only when the chamber answers it itself. Afterwards,
+// without faults, the link test is answered as before.
+void TestTlxChamberSimulation::faults()
+{
+    QFETCH(int, kind);
+    QFETCH(int, delayMs);
+    QFETCH(QByteArray, strayBytes);
+    QFETCH(QByteArray, answer);
+    QFETCH(int, errors);
+    Bench bench(5);
+    const auto policy = QSharedPointer<FixedFaultPolicy>::create();
+    policy->fault.kind = RequestFault::Kind(kind);
+    policy->fault.delayMs = delayMs;
+    policy->fault.strayBytes = strayBytes;
+    bench.chamber.setFaultPolicy(policy);
+    QTcpSocket client;
+    QVERIFY(connected(client, address(5), 9000));
+    QElapsedTimer clock;
+    clock.start();
+    client.write("CANIDWriteValue:00000010:5\r\n");
+    if (answer.isEmpty()) {
+        QSignalSpy arrived(&client, &QTcpSocket::readyRead);
+        QVERIFY(!arrived.wait(300));
+    } else {
+        QCOMPARE(receive(client, answer.size()), answer);
+        QVERIFY2(clock.nsecsElapsed() >= (20 + delayMs) * 1000LL * 1000,
+                 qPrintable(QString::number(clock.nsecsElapsed())));
+    }
+    QCOMPARE(bench.map->values.value(0x10),
+             QVariant(kind == RequestFault::None ? QVariant(QStringLiteral("5")) : QVariant(42)));
+    policy->active = false;
+    client.write(linkTest);
+    QCOMPARE(receive(client, linkAnswer.size()), linkAnswer);
+
+    const ChamberStatistics& statistics = bench.chamber.getStatistics();
+    QCOMPARE(policy->asked, 2);
+    QCOMPARE(statistics.getRequests(), quint64(2));
+    QCOMPARE(statistics.getAnswers(), quint64(answer.isEmpty() ? 1 : 2));
+    QCOMPARE(statistics.getErrors(), quint64(errors));
+    QCOMPARE(statistics.getFaults(RequestFault::Kind(kind)), quint64(kind == RequestFault::None ? 0 : 1));
+}
+
+// Offline: the client is dropped, nobody can connect, the responder keeps
+// silent and prints nothing. Online: all of it as before.
+void TestTlxChamberSimulation::offlineAndBack()
+{
+    StreamCapture console(consoleOutput());
+    Bench bench(6);
+    QTcpSocket client;
+    QVERIFY(connected(client, address(6), 9000));
+    QTRY_COMPARE(bench.chamber.getClientCount(), 1);
+    QUdpSocket discovery;
+    QVERIFY(discovery.bind(QHostAddress(address(200)), 0));
+
+    QVERIFY(bench.chamber.setOnline(false));
+    QVERIFY(!bench.chamber.isOnline());
+    QCOMPARE(bench.chamber.getClientCount(), 0);
+    QTRY_COMPARE(client.state(), QAbstractSocket::UnconnectedState);
+    QTcpSocket refused;
+    refused.connectToHost(address(6), 9000);
+    QVERIFY(!refused.waitForConnected(timeoutMs));
+    QCOMPARE(discovery.writeDatagram("", QHostAddress(address(6)), 9001), 0);
+    QSignalSpy answered(&discovery, &QUdpSocket::readyRead);
+    QVERIFY(!answered.wait(300));
+    const QByteArray printed = console.text();
+
+    QVERIFY(bench.chamber.setOnline(true));
+    QVERIFY(bench.chamber.setOnline(true));
+    QTcpSocket again;
+    QVERIFY(connected(again, address(6), 9000));
+    again.write(linkTest);
+    QCOMPARE(receive(again, linkAnswer.size()), linkAnswer);
+    QCOMPARE(discovery.writeDatagram("", QHostAddress(address(6)), 9001), 0);
+    QVERIFY(answered.wait(timeoutMs));
+    QCOMPARE(printed, QByteArray("Start TLX simulation HX 60 Z6 on 127.0.41.6:9000\r\nConnect TLX simulation \r\n"));
 }
 
 QTEST_GUILESS_MAIN(TestTlxChamberSimulation)

@@ -1,0 +1,7 @@
+#include "Tools/Simulation/FaultPolicy.h"
+
+namespace zelmor::simulation {
+
+FaultPolicy::~FaultPolicy() = default;
+
+} // namespace zelmor::simulation
