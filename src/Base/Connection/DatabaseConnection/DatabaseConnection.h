@@ -2,6 +2,7 @@
 
 #include "Base/Connection/DatabaseConnection/DatabaseSchema.h"
 #include "Base/Connection/DatabaseConnection/SqlQuery.h"
+#include "Domain/Api/IAlarmDatabaseConnection.h"
 #include "Domain/Api/ICameraDatabaseConnection.h"
 #include "Domain/Api/IChamberDatabaseConnection.h"
 #include "Domain/Api/IConfigurationDatabaseConnection.h"
@@ -24,6 +25,7 @@ namespace zelmor::base::connection::databaseconnection {
 
 Q_DECLARE_LOGGING_CATEGORY(DATABASECONNECTION)
 
+class SqlAlarmDatabaseConnection;
 class SqlCameraDatabaseConnection;
 class SqlChamberDatabaseConnection;
 class SqlConfigurationDatabaseConnection;
@@ -42,6 +44,7 @@ class SqlSettingsDatabaseConnection;
 // and reads the catalogue.
 class DatabaseConnection : public QObject,
                            public DatabaseSchema,
+                           public zelmor::domain::api::IAlarmDatabaseConnection,
                            public zelmor::domain::api::ICameraDatabaseConnection,
                            public zelmor::domain::api::IChamberDatabaseConnection,
                            public zelmor::domain::api::IConfigurationDatabaseConnection,
@@ -83,6 +86,17 @@ public:
     bool createTableUser();
     bool createTableUserHasChamberSignalVisibilityPreference();
     bool createTableUserPreferences();
+
+    // IAlarmDatabaseConnection
+    // All alarms, each with the name of its chamber.
+    QList<zelmor::domain::types::Alarm> getAllAlarms() const override;
+    int getSignalAlarmDelay(const zelmor::domain::types::AlarmId& alarm, const zelmor::domain::types::SignalId& signal,
+                            bool second) const override;
+    bool addAlarm(zelmor::domain::types::Alarm& alarm) override;
+    bool updateAlarm(const zelmor::domain::types::Alarm& alarm) override;
+    bool deleteAlarm(const zelmor::domain::types::AlarmId& id) override;
+    QList<zelmor::domain::types::Alarm> getAlarms(const zelmor::domain::types::ChamberId& chamber) const override;
+    int countAlarms(const zelmor::domain::types::ChamberId& chamber) const override;
 
     // ICameraDatabaseConnection
     QList<zelmor::domain::types::Camera> getCameras(const zelmor::domain::types::RecordingId& recording) const override;
@@ -267,6 +281,7 @@ private:
     // The stores, without parents, in this order: access, alarm, camera,
     // chamber, configuration, program, protocol, recording, recordset, room,
     // settings, user. The others join in their places.
+    QSharedPointer<SqlAlarmDatabaseConnection> alarmStore;
     QSharedPointer<SqlCameraDatabaseConnection> cameraStore;
     QSharedPointer<SqlChamberDatabaseConnection> chamberStore;
     QSharedPointer<SqlConfigurationDatabaseConnection> configurationStore;

@@ -1,6 +1,8 @@
 #include "Base/Connection/DatabaseConnection/DatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqliteConnection.h"
 #include "Domain/Api/ISqlQuery.h"
+#include "Domain/Types/Alarm.h"
+#include "Domain/Types/AlarmId.h"
 #include "Domain/Types/BackupCleanupSettings.h"
 #include "Domain/Types/BackupScheduleConfiguration.h"
 #include "Domain/Types/Camera.h"
@@ -285,6 +287,7 @@ private slots:
     void catalogueThroughTheFacade();
     void storesThroughTheFacade();
     void chamberStoreThroughTheFacade();
+    void alarmStoreThroughTheFacade();
 
 private:
     TestDatabase files;
@@ -827,6 +830,52 @@ void TestDatabaseConnection::chamberStoreThroughTheFacade()
     QVERIFY(facade.setRoomPosition(id, RoomPosition()));
     QVERIFY(facade.deleteChamber(id));
     QCOMPARE(facade.getAllChamberData(false).size(), 1);
+    QCOMPARE(errors.count(), 0);
+}
+
+// Every operation of the alarm store once, and the facade's own getAllAlarms
+// with the chambers' names.
+void TestDatabaseConnection::alarmStoreThroughTheFacade()
+{
+    // Signal 7 of type 5 has the defaults 300 s and 15 min.
+    Setup setup(files,
+                delivered
+                    + "INSERT INTO chamber (id, chamber_name, chamber_type_id) VALUES (1, 'Alpha', 5), (2, 'Beta', 5);",
+                smallCatalogue
+                    + "INSERT INTO tolerance_range VALUES (1, 'Humidity', 7, 7, 1.0, 1.0, 300, 15);"
+                      "INSERT INTO chamber_type_has_tolerance_range VALUES (5, 1);");
+    QVERIFY(setup.ok);
+    DatabaseConnection& facade = setup.facade;
+    QVERIFY(facade.initialize());
+    QSignalSpy errors(&facade, &DatabaseConnection::error);
+
+    const QDateTime time(QDate(2024, 5, 2), QTime(8, 0), Qt::UTC);
+    const auto alarmOn = [&time](const ChamberId& chamber, const QString& name) {
+        return Alarm(0, time, AlarmType::TOLERANCE_RANGE_VIOLATION, true, AlarmStatus::PRE_ALARM, 0, name,
+                     ShortDescription("%1 too high", {"Humidity"}), QString(), chamber, QString(), {7}, {});
+    };
+    Alarm onBeta = alarmOn(2, "b");
+    Alarm onAlpha = alarmOn(1, "a");
+    Alarm onNone = alarmOn(-1, "n");
+    QVERIFY(facade.addAlarm(onBeta) && facade.addAlarm(onAlpha) && facade.addAlarm(onNone));
+    QStringList names;
+    for (const Alarm& alarm : facade.getAllAlarms())
+        names.append(alarm.alarmName + ':' + alarm.chamberName);
+    QCOMPARE(names, (QStringList{"b:Beta", "a:Alpha", "n:"}));
+    QCOMPARE(facade.getAlarms(2).value(0).signalIds, QList<SignalId>{7});
+    QCOMPARE(facade.countAlarms(1), 1);
+
+    // The type's default, until the chamber has its own in the other column.
+    QCOMPARE(facade.getSignalAlarmDelay(onBeta.id, 7, false), 300);
+    QVERIFY(facade.setChamberSignalDelay(2, 7, true, 42));
+    QCOMPARE(facade.getSignalAlarmDelay(onBeta.id, 7, false), 42);
+    QCOMPARE(facade.getSignalAlarmDelay(onBeta.id, 7, true), 900);
+
+    onBeta.status = AlarmStatus::ACKNOWLEDGED;
+    QVERIFY(facade.updateAlarm(onBeta));
+    QCOMPARE(facade.getAlarms(2).value(0).status, AlarmStatus::ACKNOWLEDGED);
+    QVERIFY(facade.deleteAlarm(onNone.id));
+    QCOMPARE(facade.getAllAlarms().size(), 2);
     QCOMPARE(errors.count(), 0);
 }
 
