@@ -1,5 +1,6 @@
 #include "Base/Connection/DatabaseConnection/LruCache.h"
 #include "Base/Connection/DatabaseConnection/SqlToleranceRangeCache.h"
+#include "Domain/Types/RecordingId.h"
 
 #include <QStringList>
 #include <QThread>
@@ -11,6 +12,7 @@
 
 using zelmor::base::connection::databaseconnection::LruCache;
 using zelmor::base::connection::databaseconnection::SqlToleranceRangeCache;
+using zelmor::domain::types::RecordingId;
 using zelmor::domain::types::ToleranceRange;
 using zelmor::domain::types::ToleranceRangeHistory;
 
@@ -65,6 +67,7 @@ private slots:
     void scripts();
     void getGivesDefaultForMiss();
     void toleranceRangeCacheHoldsFiftyChambers();
+    void rowsByRecording();
     void concurrentReadersAndWriters();
 };
 
@@ -131,6 +134,23 @@ void TestLruCache::toleranceRangeCacheHoldsFiftyChambers()
     QVERIFY(!cache.contains(1));
     // An empty history counts: a chamber without ranges needn't be read again.
     QVERIFY(cache.find(51).has_value());
+}
+
+// Rows of recordings, costing one each: a recording of more rows than the
+// capacity isn't kept, an empty one changes nothing.
+void TestLruCache::rowsByRecording()
+{
+    using Rows = QList<QList<QVariant>>;
+    LruCache<RecordingId, Rows> cache(4);
+    const Rows three = {{1}, {2}, {3}};
+    cache.add(RecordingId(7), three, three.size());
+    cache.add(RecordingId(8), Rows(), 0);
+    cache.add(RecordingId(9), {{1}, {2}, {3}, {4}, {5}}, 5);
+    QCOMPARE(cache.get(RecordingId(7)), three);
+    QVERIFY(!cache.contains(RecordingId(8)) && !cache.contains(RecordingId(9)));
+    cache.add(RecordingId(8), {{1}, {2}}, 2);
+    QVERIFY(!cache.contains(RecordingId(7)));
+    QCOMPARE(cache.getTotalCost(), qint64(2));
 }
 
 // Readers touch entries while a writer adds and clears: every value read is
