@@ -1,17 +1,19 @@
 #include "Base/Connection/DatabaseConnection/DatabaseConnection.h"
 
+#include "Base/Connection/DatabaseConnection/SqlAccessDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlCameraDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlConfigurationDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlProtocolDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlRoomDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlSettingsDatabaseConnection.h"
+#include "Base/Connection/DatabaseConnection/SqlUserDatabaseConnection.h"
 #include "Domain/Api/IInitializing.h"
 #include "Domain/Api/ISqlConnection.h"
 
 // The creation functions of the application tables are in
 // DatabaseConnectionTables.cpp, the calls passed on to each store in
-// DatabaseConnection<Store>.cpp (Camera, Configuration, Protocol, Room,
-// Settings).
+// DatabaseConnection<Store>.cpp (Access, Camera, Configuration, Protocol,
+// Room, Settings, User).
 
 namespace zelmor::base::connection::databaseconnection {
 
@@ -23,11 +25,13 @@ using zelmor::domain::types::DatabaseConnectionError;
 
 DatabaseConnection::DatabaseConnection(bool mergeUserLevels, QObject* parent)
     : QObject(parent)
+    , accessStore(new SqlAccessDatabaseConnection(nullptr))
     , cameraStore(new SqlCameraDatabaseConnection(nullptr))
     , configurationStore(new SqlConfigurationDatabaseConnection(nullptr))
     , protocolStore(new SqlProtocolDatabaseConnection(mergeUserLevels, nullptr))
     , roomStore(new SqlRoomDatabaseConnection(nullptr))
     , settingsStore(new SqlSettingsDatabaseConnection(nullptr))
+    , userStore(new SqlUserDatabaseConnection(mergeUserLevels, nullptr))
     , mergeUserLevels(mergeUserLevels)
 {
     // Early, so that a store used before initialize() reports through the facade too.
@@ -46,10 +50,11 @@ bool DatabaseConnection::setDependencies(ISqlConnection* applicationDatabase, IS
     // Store by store in this order, stopping the wiring at the first that
     // refuses: access, camera, alarm, configuration, chamber, program,
     // protocol, recording, recordset, room, settings, user.
-    return cameraStore->setDependencies(applicationDatabase)
+    return accessStore->setDependencies(configurationDatabase) && cameraStore->setDependencies(applicationDatabase)
            && configurationStore->setDependencies(configurationDatabase)
            && protocolStore->setDependencies(applicationDatabase) && roomStore->setDependencies(applicationDatabase)
-           && settingsStore->setDependencies(applicationDatabase);
+           && settingsStore->setDependencies(applicationDatabase)
+           && userStore->setDependencies(applicationDatabase, configurationStore.data(), protocolStore.data());
 }
 
 bool DatabaseConnection::areDependenciesSet() const
@@ -82,6 +87,8 @@ bool DatabaseConnection::isDatabaseVersionWrong() const
 void DatabaseConnection::connectSignals()
 {
     // In the order of the stores; a second call adds no second connection.
+    connect(accessStore.data(), &SqlAccessDatabaseConnection::error, this, &DatabaseConnection::error,
+            Qt::UniqueConnection);
     connect(cameraStore.data(), &SqlCameraDatabaseConnection::error, this, &DatabaseConnection::error,
             Qt::UniqueConnection);
     connect(configurationStore.data(), &SqlConfigurationDatabaseConnection::error, this, &DatabaseConnection::error,
@@ -91,6 +98,8 @@ void DatabaseConnection::connectSignals()
     connect(roomStore.data(), &SqlRoomDatabaseConnection::error, this, &DatabaseConnection::error,
             Qt::UniqueConnection);
     connect(settingsStore.data(), &SqlSettingsDatabaseConnection::error, this, &DatabaseConnection::error,
+            Qt::UniqueConnection);
+    connect(userStore.data(), &SqlUserDatabaseConnection::error, this, &DatabaseConnection::error,
             Qt::UniqueConnection);
 }
 
@@ -107,7 +116,8 @@ bool DatabaseConnection::initializeStores()
 {
     // In the order of the stores, stopping at the first false.
     const QList<IInitializing*> stores = {
-        cameraStore.data(), configurationStore.data(), protocolStore.data(), roomStore.data(), settingsStore.data(),
+        accessStore.data(), cameraStore.data(),   configurationStore.data(), protocolStore.data(),
+        roomStore.data(),   settingsStore.data(), userStore.data(),
     };
     for (IInitializing* store : stores) {
         if (!store->initialize()) {
