@@ -49,6 +49,25 @@ public:
     int cutRow = -1;
 };
 
+// How a fixture wires its store to the fixture's connection: as the facade
+// wires a store whose only dependency is its database. A store with further
+// dependencies gets a specialisation in its test, which owns what the store
+// needs besides the connection:
+//
+//     template<>
+//     struct StoreWiring<SqlUserDatabaseConnection>
+//     {
+//         bool wire(SqlUserDatabaseConnection& store, ISqlConnection* connection) { ... }
+//     };
+template<typename Store>
+struct StoreWiring
+{
+    bool wire(Store& store, zelmor::domain::api::ISqlConnection* connection)
+    {
+        return store.setDependencies(connection);
+    }
+};
+
 // A store on its own connection to one database file, wired as the facade
 // wires it. The store's constructor takes the arguments given behind the key.
 //
@@ -64,7 +83,7 @@ struct StoreFixture
         , store(std::forward<Arguments>(arguments)...)
     {
         opened = connection.openDatabase(file, QString(), QString(), key);
-        store.setDependencies(&connection);
+        wiring.wire(store, &connection);
     }
 
     static int& count()
@@ -75,6 +94,7 @@ struct StoreFixture
 
     CuttingConnection connection;
     Store store;
+    StoreWiring<Store> wiring;
     bool opened = false;
 };
 
@@ -208,7 +228,7 @@ struct FailureTable
                                         std::forward<Arguments>(arguments)...);
             QVERIFY(fixture.opened);
             if (situation == QLatin1String("unwired")) {
-                QVERIFY(!fixture.store.setDependencies(nullptr));
+                QVERIFY(!fixture.wiring.wire(fixture.store, nullptr));
             }
             fixture.connection.cutWidth = cutWidth;
             fixture.connection.cutRow = cutRow;
