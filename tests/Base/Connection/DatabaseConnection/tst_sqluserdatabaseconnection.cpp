@@ -9,6 +9,7 @@
 #include "Domain/Types/UserData.h"
 #include "Domain/Types/UserId.h"
 #include "Domain/Types/UserPreferences.h"
+#include "support/LogCapture.h"
 #include "support/SampleCatalogue.h"
 #include "support/StoreFixture.h"
 #include "support/TestDatabase.h"
@@ -187,6 +188,7 @@ class TestSqlUserDatabaseConnection : public QObject
 private slots:
     void initTestCase();
     void writeAndRead();
+    void addUserRefused();
     void readRows_data();
     void readRows();
     void deletedUsers();
@@ -282,6 +284,31 @@ void TestSqlUserDatabaseConnection::writeAndRead()
     QVERIFY(store.getUserPreferences(3).isNull());
     QCOMPARE(errors.count(), 0);
     QVERIFY(!store.addUserPreferences(2, other));
+    QCOMPARE(errors.count(), 0);
+}
+
+// An insert that the database refuses is logged, and nothing follows it.
+void TestSqlUserDatabaseConnection::addUserRefused()
+{
+    // A login name that the file's own rule refuses.
+    const QString path = files.create("CREATE TRIGGER no_root BEFORE INSERT ON application_user "
+                                      "WHEN NEW.login_name = 'root' BEGIN SELECT RAISE(ABORT, 'no root'); END;");
+    QVERIFY(!path.isEmpty());
+    Fixture fixture(path, projectKey, false);
+    QVERIFY(fixture.opened && fixture.store.initialize());
+    QSignalSpy errors(&fixture.store, &Store::error);
+
+    QLoggingCategory::setFilterRules(QStringLiteral("zelmor.*=false\nzelmor.SqlUserDatabaseConnection=true"));
+    UserData root(0, "root", SUPERUSER);
+    {
+        zelmor::testsupport::LogCapture log(QStringLiteral("zelmor.SqlUserDatabaseConnection"));
+        QVERIFY(!fixture.store.addUser(root));
+        QCOMPARE(log.texts(), QStringList{"warning: Failed to add user"});
+    }
+    QLoggingCategory::setFilterRules(QStringLiteral("zelmor.*=false"));
+    QCOMPARE(int(root.id), 0);
+    QCOMPARE(files.shell(path, "SELECT count(*) FROM application_user; SELECT count(*) FROM user_preferences;"),
+             QStringLiteral("0\n0"));
     QCOMPARE(errors.count(), 0);
 }
 
