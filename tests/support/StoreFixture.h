@@ -50,19 +50,20 @@ public:
     int cutRow = -1;
 };
 
-// How a fixture wires its store to the fixture's connection, and unwires it
-// with a null connection. A store with further dependencies specialises this
-// in its test before the first fixture, giving it stores of its own:
+// How a fixture wires its store to the fixture's connection: as the facade
+// wires a store whose only dependency is its database. A store with further
+// dependencies gets a specialisation in its test, which owns what the store
+// needs besides the connection:
 //
 //     template<>
-//     struct zelmor::testsupport::StoreWiring<SqlChamberDatabaseConnection>
+//     struct StoreWiring<SqlUserDatabaseConnection>
 //     {
-//         static bool wire(SqlChamberDatabaseConnection& store, ISqlConnection* connection) { ... }
+//         bool wire(SqlUserDatabaseConnection& store, ISqlConnection* connection) { ... }
 //     };
 template<typename Store>
 struct StoreWiring
 {
-    static bool wire(Store& store, zelmor::domain::api::ISqlConnection* connection)
+    bool wire(Store& store, zelmor::domain::api::ISqlConnection* connection)
     {
         return store.setDependencies(connection);
     }
@@ -83,7 +84,7 @@ struct StoreFixture
         , store(std::forward<Arguments>(arguments)...)
     {
         opened = connection.openDatabase(file, QString(), QString(), key);
-        StoreWiring<Store>::wire(store, &connection);
+        wiring.wire(store, &connection);
     }
 
     static int& count()
@@ -94,6 +95,7 @@ struct StoreFixture
 
     CuttingConnection connection;
     Store store;
+    StoreWiring<Store> wiring;
     bool opened = false;
 };
 
@@ -227,7 +229,7 @@ struct FailureTable
                                         std::forward<Arguments>(arguments)...);
             QVERIFY(fixture.opened);
             if (situation == QLatin1String("unwired")) {
-                QVERIFY(!StoreWiring<Store>::wire(fixture.store, nullptr));
+                QVERIFY(!fixture.wiring.wire(fixture.store, nullptr));
             }
             fixture.connection.cutWidth = cutWidth;
             fixture.connection.cutRow = cutRow;

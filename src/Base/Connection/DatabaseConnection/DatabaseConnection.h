@@ -2,6 +2,7 @@
 
 #include "Base/Connection/DatabaseConnection/DatabaseSchema.h"
 #include "Base/Connection/DatabaseConnection/SqlQuery.h"
+#include "Domain/Api/IAccessDatabaseConnection.h"
 #include "Domain/Api/IAlarmDatabaseConnection.h"
 #include "Domain/Api/ICameraDatabaseConnection.h"
 #include "Domain/Api/IChamberDatabaseConnection.h"
@@ -9,6 +10,7 @@
 #include "Domain/Api/IProtocolDatabaseConnection.h"
 #include "Domain/Api/IRoomDatabaseConnection.h"
 #include "Domain/Api/ISettingsDatabaseConnection.h"
+#include "Domain/Api/IUserDatabaseConnection.h"
 #include "Domain/Types/DatabaseConnectionError.h"
 
 #include <QList>
@@ -25,6 +27,7 @@ namespace zelmor::base::connection::databaseconnection {
 
 Q_DECLARE_LOGGING_CATEGORY(DATABASECONNECTION)
 
+class SqlAccessDatabaseConnection;
 class SqlAlarmDatabaseConnection;
 class SqlCameraDatabaseConnection;
 class SqlChamberDatabaseConnection;
@@ -32,6 +35,7 @@ class SqlConfigurationDatabaseConnection;
 class SqlProtocolDatabaseConnection;
 class SqlRoomDatabaseConnection;
 class SqlSettingsDatabaseConnection;
+class SqlUserDatabaseConnection;
 
 // The one object through which the system reaches its persistent data: it owns
 // the stores, wires them to the two databases, checks the schema version and
@@ -44,13 +48,15 @@ class SqlSettingsDatabaseConnection;
 // and reads the catalogue.
 class DatabaseConnection : public QObject,
                            public DatabaseSchema,
+                           public zelmor::domain::api::IAccessDatabaseConnection,
                            public zelmor::domain::api::IAlarmDatabaseConnection,
                            public zelmor::domain::api::ICameraDatabaseConnection,
                            public zelmor::domain::api::IChamberDatabaseConnection,
                            public zelmor::domain::api::IConfigurationDatabaseConnection,
                            public zelmor::domain::api::IProtocolDatabaseConnection,
                            public zelmor::domain::api::IRoomDatabaseConnection,
-                           public zelmor::domain::api::ISettingsDatabaseConnection
+                           public zelmor::domain::api::ISettingsDatabaseConnection,
+                           public zelmor::domain::api::IUserDatabaseConnection
 {
     Q_OBJECT
 
@@ -86,6 +92,12 @@ public:
     bool createTableUser();
     bool createTableUserHasChamberSignalVisibilityPreference();
     bool createTableUserPreferences();
+
+    // IAccessDatabaseConnection
+    zelmor::domain::types::UserLevel
+    getRequiredUserLevel(const zelmor::domain::types::ActivityId& activity) const override;
+    QList<zelmor::domain::types::ActivityId>
+    getGrantedActivities(zelmor::domain::types::UserLevel level) const override;
 
     // IAlarmDatabaseConnection
     // All alarms, each with the name of its chamber.
@@ -262,6 +274,45 @@ public:
     bool addMailAddressToRecipients(const QString& address) override;
     bool deleteMailAddressFromRecipients(const QString& address) override;
 
+    // IUserDatabaseConnection
+    QList<QSharedPointer<zelmor::domain::types::UserData>> getAllUserData() const override;
+    QSharedPointer<zelmor::domain::types::UserData> getUserData(const zelmor::domain::types::UserId& id) const override;
+    QSharedPointer<zelmor::domain::types::UserData> getUserDataByName(const QString& loginName) const override;
+    QList<zelmor::domain::types::SecurityQuestionAnswer>
+    getUserSecurityQuestionAnswers(const zelmor::domain::types::UserId& id) const override;
+    QSharedPointer<zelmor::domain::types::UserPreferences>
+    getUserPreferences(const zelmor::domain::types::UserId& id) const override;
+    QStringList getAllUserNames() const override;
+    QString getUserName(const zelmor::domain::types::UserId& id) const override;
+    QList<zelmor::domain::types::ChamberSignal>
+    getVisibleChamberSignals(const zelmor::domain::types::UserId& user,
+                             const zelmor::domain::types::ChamberId& chamber) const override;
+    bool setVisibleChamberSignals(const QList<zelmor::domain::types::SignalId>& signalIds,
+                                  const zelmor::domain::types::UserId& user,
+                                  const zelmor::domain::types::ChamberId& chamber) override;
+    QVariant getUserPropertyValue(const zelmor::domain::types::UserId& id,
+                                  zelmor::domain::api::UserProperty property) const override;
+    QVariant getUserPreferencesPropertyValue(const zelmor::domain::types::UserId& id,
+                                             zelmor::domain::api::UserPreferencesProperty property) const override;
+    bool addUser(zelmor::domain::types::UserData& user) override;
+    bool setUserSecurityQuestionAnswers(const zelmor::domain::types::UserId& id,
+                                        const QList<zelmor::domain::types::SecurityQuestionAnswer>& answers) override;
+    bool addUserPreferences(const zelmor::domain::types::UserId& id,
+                            const zelmor::domain::types::UserPreferences& preferences) override;
+    bool updateUserPreferences(const zelmor::domain::types::UserId& id,
+                               const zelmor::domain::types::UserPreferences& preferences) override;
+    bool updateUser(const zelmor::domain::types::UserData& user) override;
+    bool setUserPropertyValue(const zelmor::domain::types::UserId& id, zelmor::domain::api::UserProperty property,
+                              const QVariant& value) override;
+    bool deleteUser(const zelmor::domain::types::UserId& id) override;
+    bool showChamberSignal(const zelmor::domain::types::UserId& user, const zelmor::domain::types::ChamberId& chamber,
+                           const zelmor::domain::types::SignalId& signalId) override;
+    bool hideChamberSignal(const zelmor::domain::types::UserId& user, const zelmor::domain::types::ChamberId& chamber,
+                           const zelmor::domain::types::SignalId& signalId) override;
+    QMap<int, QString> getUserRecordingConfig(const zelmor::domain::types::UserId& user) override;
+    bool setUserRecordingConfig(const zelmor::domain::types::UserId& user, int recording,
+                                QString configuration) override;
+
 signals:
     // Passes on the stores' errors with their number. Connected from construction on.
     void error(zelmor::domain::types::DatabaseConnectionError error) const override;
@@ -281,6 +332,7 @@ private:
     // The stores, without parents, in this order: access, alarm, camera,
     // chamber, configuration, program, protocol, recording, recordset, room,
     // settings, user. The others join in their places.
+    QSharedPointer<SqlAccessDatabaseConnection> accessStore;
     QSharedPointer<SqlAlarmDatabaseConnection> alarmStore;
     QSharedPointer<SqlCameraDatabaseConnection> cameraStore;
     QSharedPointer<SqlChamberDatabaseConnection> chamberStore;
@@ -288,6 +340,7 @@ private:
     QSharedPointer<SqlProtocolDatabaseConnection> protocolStore;
     QSharedPointer<SqlRoomDatabaseConnection> roomStore;
     QSharedPointer<SqlSettingsDatabaseConnection> settingsStore;
+    QSharedPointer<SqlUserDatabaseConnection> userStore;
     bool mergeUserLevels;
     bool databaseVersionWrong = false;
 };

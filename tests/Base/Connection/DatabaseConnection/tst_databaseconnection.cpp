@@ -1,6 +1,7 @@
 #include "Base/Connection/DatabaseConnection/DatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqliteConnection.h"
 #include "Domain/Api/ISqlQuery.h"
+#include "Domain/Types/ActivityId.h"
 #include "Domain/Types/Alarm.h"
 #include "Domain/Types/AlarmId.h"
 #include "Domain/Types/BackupCleanupSettings.h"
@@ -15,11 +16,14 @@
 #include "Domain/Types/ReportConfiguration.h"
 #include "Domain/Types/Room.h"
 #include "Domain/Types/RoomPosition.h"
+#include "Domain/Types/SecurityQuestionAnswer.h"
 #include "Domain/Types/SirenBoxNetworkConfiguration.h"
 #include "Domain/Types/SmtpConfiguration.h"
 #include "Domain/Types/TimeSpan.h"
 #include "Domain/Types/ToleranceRange.h"
+#include "Domain/Types/UserData.h"
 #include "Domain/Types/UserId.h"
+#include "Domain/Types/UserPreferences.h"
 #include "Domain/Types/ZelmorNetworkConfiguration.h"
 #include "support/ChildRun.h"
 #include "support/LogCapture.h"
@@ -288,6 +292,7 @@ private slots:
     void storesThroughTheFacade();
     void chamberStoreThroughTheFacade();
     void alarmStoreThroughTheFacade();
+    void usersAndAccessThroughTheFacade();
 
 private:
     TestDatabase files;
@@ -648,10 +653,12 @@ void TestDatabaseConnection::setDependencies()
     QVERIFY(setup.facade.getAllChamberTypeData(false).isEmpty());
     QVERIFY(setup.facade.getAllRooms().isEmpty());
     QVERIFY(!setup.facade.setScreenLockTimeout(5));
+    QVERIFY(setup.facade.getAllUserData().isEmpty());
+    QCOMPARE(setup.facade.getRequiredUserLevel(ActivityId(ActivityId::AccessManagementActivityId::CREATE_USER)), NONE);
     QVERIFY(!setup.facade.initialize());
     QVERIFY(!setup.facade.isDatabaseVersionWrong());
     QCOMPARE(setup.application.executed, QStringList());
-    QCOMPARE(errorCodes(errors), (QList<int>{0, 0, 0, 0, 0}));
+    QCOMPARE(errorCodes(errors), (QList<int>{0, 0, 0, 0, 0, 0, 0}));
 }
 
 void TestDatabaseConnection::catalogueThroughTheFacade()
@@ -876,6 +883,76 @@ void TestDatabaseConnection::alarmStoreThroughTheFacade()
     QCOMPARE(facade.getAlarms(2).value(0).status, AlarmStatus::ACKNOWLEDGED);
     QVERIFY(facade.deleteAlarm(onNone.id));
     QCOMPARE(facade.getAllAlarms().size(), 2);
+    QCOMPARE(errors.count(), 0);
+}
+
+// Every operation of the user and access stores once, each written value read
+// back through the facade; the user store reads the chamber's signals from the
+// catalogue and asks the log store about its author.
+void TestDatabaseConnection::usersAndAccessThroughTheFacade()
+{
+    Setup setup(files,
+                delivered
+                    + "INSERT INTO chamber (id, chamber_name, chamber_type_id) VALUES (7, 'A', 5);"
+                      "INSERT INTO recording (id, recording_name) VALUES (3, 'R');",
+                smallCatalogue + "INSERT INTO activity_access VALUES (3, 1, 3), (3, 8, 1);");
+    QVERIFY(setup.ok);
+    DatabaseConnection& facade = setup.facade;
+    QVERIFY(facade.initialize());
+    QSignalSpy errors(&facade, &DatabaseConnection::error);
+
+    using Id = ActivityId;
+    QCOMPARE(facade.getRequiredUserLevel(Id(Id::AccessManagementActivityId::CREATE_USER)), ADMINISTRATOR);
+    QCOMPARE(facade.getGrantedActivities(BASIC), QList<Id>{Id(Id::AccessManagementActivityId::CHANGE_OWN_PASSWORD)});
+
+    const UserPreferences preferences(CSV_FILE, QLocale::German, "HH:mm", "dd.MM.yyyy", QChar(','), Unit::KELVIN,
+                                      Unit::PERCENT);
+    UserData anna(0, "anna", "a@b.c", "Anna", "Berg", "hash", "salt",
+                  QDateTime(QDate(2024, 5, 2), QTime(8, 0), Qt::UTC), QDateTime(), false, 0, 0, false, ADVANCED,
+                  QSharedPointer<UserPreferences>::create(preferences));
+    QVERIFY(facade.addUser(anna));
+    QCOMPARE(*facade.getUserData(anna.id), anna);
+    QCOMPARE(*facade.getUserDataByName("anna"), anna);
+    QCOMPARE(facade.getAllUserData().size(), 1);
+    QCOMPARE(facade.getAllUserNames(), QStringList{"anna"});
+    QCOMPARE(facade.getUserName(anna.id), QStringLiteral("anna"));
+    QCOMPARE(*facade.getUserPreferences(anna.id), preferences);
+    QCOMPARE(facade.getUserPreferencesPropertyValue(anna.id, UserPreferencesProperty::TIME_FORMAT).toString(),
+             QStringLiteral("HH:mm"));
+    anna.lastName = "Brandt";
+    QVERIFY(facade.updateUser(anna));
+    QVERIFY(facade.updateUserPreferences(anna.id, UserPreferences()));
+    QVERIFY(facade.setUserPropertyValue(anna.id, UserProperty::IS_BANNED, true));
+    QCOMPARE(facade.getUserPropertyValue(anna.id, UserProperty::LAST_NAME).toString(), QStringLiteral("Brandt"));
+    QVERIFY(facade.getUserData(anna.id)->isBanned);
+    QCOMPARE(*facade.getUserPreferences(anna.id), UserPreferences());
+
+    const QList<SecurityQuestionAnswer> answers = {SecurityQuestionAnswer(1, "h", "s")};
+    QVERIFY(facade.setUserSecurityQuestionAnswers(anna.id, answers));
+    QCOMPARE(facade.getUserSecurityQuestionAnswers(anna.id), answers);
+
+    QVERIFY(facade.setVisibleChamberSignals({7}, anna.id, 7));
+    QCOMPARE(facade.getVisibleChamberSignals(anna.id, 7).value(0).name, QStringLiteral("Temperature"));
+    QVERIFY(facade.hideChamberSignal(anna.id, 7, 7));
+    QVERIFY(facade.getVisibleChamberSignals(anna.id, 7).isEmpty());
+    QVERIFY(facade.showChamberSignal(anna.id, 7, 7));
+    QCOMPARE(facade.getVisibleChamberSignals(anna.id, 7).size(), 1);
+    QVERIFY(facade.setVisibleChamberSignals({}, anna.id, 7));
+
+    QVERIFY(facade.setUserRecordingConfig(anna.id, 3, "c"));
+    QCOMPARE(facade.getUserRecordingConfig(anna.id), (QMap<int, QString>{{3, "c"}}));
+
+    // Named in the log, the user stays as a deleted one; a second user leaves no row.
+    QVERIFY(facade.addProtocolEntry(ProtocolEntry(QDateTime::currentDateTimeUtc(), "Logged in", {}, anna.id)));
+    QVERIFY(facade.deleteUser(anna.id));
+    QVERIFY(facade.getAllUserData().isEmpty());
+    QCOMPARE(facade.getProtocolEntries(TimeSpan(), anna.id).value(0).userName, QStringLiteral("anna (deleted)"));
+    UserData bert(0, "bert", BASIC);
+    QVERIFY(facade.addUser(bert));
+    // Every user has its preferences from the start.
+    QVERIFY(!facade.addUserPreferences(bert.id, UserPreferences()));
+    QVERIFY(facade.deleteUser(bert.id));
+    QCOMPARE(facade.getAllUserNames(), QStringList{"anna"});
     QCOMPARE(errors.count(), 0);
 }
 
