@@ -2,6 +2,7 @@
 
 #include "Base/Connection/DatabaseConnection/SqlCameraDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlConfigurationDatabaseConnection.h"
+#include "Base/Connection/DatabaseConnection/SqlProgramDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlProtocolDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlRoomDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlSettingsDatabaseConnection.h"
@@ -10,8 +11,8 @@
 
 // The creation functions of the application tables are in
 // DatabaseConnectionTables.cpp, the calls passed on to each store in
-// DatabaseConnection<Store>.cpp (Camera, Configuration, Protocol, Room,
-// Settings).
+// DatabaseConnection<Store>.cpp (Camera, Configuration, Program, Protocol,
+// Room, Settings).
 
 namespace zelmor::base::connection::databaseconnection {
 
@@ -25,6 +26,7 @@ DatabaseConnection::DatabaseConnection(bool mergeUserLevels, QObject* parent)
     : QObject(parent)
     , cameraStore(new SqlCameraDatabaseConnection(nullptr))
     , configurationStore(new SqlConfigurationDatabaseConnection(nullptr))
+    , programStore(new SqlProgramDatabaseConnection(nullptr))
     , protocolStore(new SqlProtocolDatabaseConnection(mergeUserLevels, nullptr))
     , roomStore(new SqlRoomDatabaseConnection(nullptr))
     , settingsStore(new SqlSettingsDatabaseConnection(nullptr))
@@ -48,6 +50,7 @@ bool DatabaseConnection::setDependencies(ISqlConnection* applicationDatabase, IS
     // protocol, recording, recordset, room, settings, user.
     return cameraStore->setDependencies(applicationDatabase)
            && configurationStore->setDependencies(configurationDatabase)
+           && programStore->setDependencies(applicationDatabase, configurationStore.data())
            && protocolStore->setDependencies(applicationDatabase) && roomStore->setDependencies(applicationDatabase)
            && settingsStore->setDependencies(applicationDatabase);
 }
@@ -86,6 +89,8 @@ void DatabaseConnection::connectSignals()
             Qt::UniqueConnection);
     connect(configurationStore.data(), &SqlConfigurationDatabaseConnection::error, this, &DatabaseConnection::error,
             Qt::UniqueConnection);
+    connect(programStore.data(), &SqlProgramDatabaseConnection::error, this, &DatabaseConnection::error,
+            Qt::UniqueConnection);
     connect(protocolStore.data(), &SqlProtocolDatabaseConnection::error, this, &DatabaseConnection::error,
             Qt::UniqueConnection);
     connect(roomStore.data(), &SqlRoomDatabaseConnection::error, this, &DatabaseConnection::error,
@@ -107,7 +112,8 @@ bool DatabaseConnection::initializeStores()
 {
     // In the order of the stores, stopping at the first false.
     const QList<IInitializing*> stores = {
-        cameraStore.data(), configurationStore.data(), protocolStore.data(), roomStore.data(), settingsStore.data(),
+        cameraStore.data(),   configurationStore.data(), programStore.data(),
+        protocolStore.data(), roomStore.data(),          settingsStore.data(),
     };
     for (IInitializing* store : stores) {
         if (!store->initialize()) {
