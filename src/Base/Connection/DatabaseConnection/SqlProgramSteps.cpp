@@ -147,6 +147,9 @@ bool SqlProgramSteps::updateProgramStep(ISqlConnection& connection, ProgramStep&
     if (!hasPayload(step)) {
         return false;
     }
+    // A section the step no longer holds goes, as it would with the step.
+    const int previous =
+        SqlRow({getProgramStepPropertyValue(connection, step.id, ProgramStepProperty::SECTION_ID)}).toInt(0, 0);
     QList<SqlQuery::ColumnValuePair> values = stepValues(step);
     ProgramSection section;
     ProgramSectionId added = 0;
@@ -174,6 +177,9 @@ bool SqlProgramSteps::updateProgramStep(ISqlConnection& connection, ProgramStep&
     if (connection.execute(query).success) {
         if (added != 0) {
             step.payload = QVariant::fromValue(section);
+        }
+        if (previous != 0 && previous != int(section.id)) {
+            sections.deleteProgramSection(connection, previous);
         }
         return true;
     }

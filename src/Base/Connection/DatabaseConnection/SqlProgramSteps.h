@@ -37,7 +37,8 @@ public:
     bool addProgramStep(zelmor::domain::api::ISqlConnection& connection,
                         zelmor::domain::types::ProgramStep& step) const;
     // A section without an id is added, and the step's payload then holds it;
-    // one with an id is updated.
+    // one with an id is updated. A section that the step held before and
+    // holds no longer is deleted.
     bool updateProgramStep(zelmor::domain::api::ISqlConnection& connection,
                            zelmor::domain::types::ProgramStep& step) const;
     // The step and its section with the set points, as one transaction.
