@@ -382,19 +382,26 @@ void TestSqlProgramTransfer::badFiles()
 void TestSqlProgramTransfer::exportFails_data()
 {
     QTest::addColumn<QString>("fileName");
+    QTest::addColumn<QByteArray>("content");
     QTest::addColumn<int>("program");
     QTest::addColumn<QStringList>("warnings");
 
     QTest::newRow("folder that isn't there")
-        << "missing/Cycle.prg" << 1 << QStringList{"warning: Could not open file <url>"};
-    QTest::newRow("a folder") << "." << 1 << QStringList{"warning: Could not open file <url>"};
+        << "missing/Cycle.prg" << QByteArray() << 1 << QStringList{"warning: Could not open file <url>"};
+    QTest::newRow("a folder") << "." << QByteArray() << 1 << QStringList{"warning: Could not open file <url>"};
+    // A file of another kind stays as it was.
+    QTest::newRow("a file that is no database")
+        << "notes.txt" << QByteArray("Cycle: 600 s at 25 degrees\n").repeated(200) << 1
+        << QStringList{"critical: Could not create table 'program'", "warning: Could not create tables"};
     // The file is made, and taken away again.
-    QTest::newRow("program that isn't there") << "Nothing.prg" << 9 << QStringList{"warning: No program found"};
+    QTest::newRow("program that isn't there")
+        << "Nothing.prg" << QByteArray() << 9 << QStringList{"warning: No program found"};
 }
 
 void TestSqlProgramTransfer::exportFails()
 {
     QFETCH(QString, fileName);
+    QFETCH(QByteArray, content);
     QFETCH(int, program);
     QFETCH(QStringList, warnings);
 
@@ -403,6 +410,10 @@ void TestSqlProgramTransfer::exportFails()
     Fixture fixture(path);
     QVERIFY(fixture.opened);
     const QString file = folder.filePath(fileName);
+    if (!content.isEmpty()) {
+        QFile written(file);
+        QVERIFY(written.open(QIODevice::WriteOnly) && written.write(content) == content.size());
+    }
     const bool existed = QFileInfo::exists(file);
 
     Listening listening;
@@ -410,6 +421,8 @@ void TestSqlProgramTransfer::exportFails()
     warnings.replaceInStrings("<url>", QUrl::fromLocalFile(file).toDisplayString());
     QCOMPARE(listening.log.texts(), warnings);
     QCOMPARE(QFileInfo::exists(file), existed);
+    if (!content.isEmpty())
+        QCOMPARE(zelmor::testsupport::fileBytes(file), content);
 }
 
 int main(int argc, char** argv)
