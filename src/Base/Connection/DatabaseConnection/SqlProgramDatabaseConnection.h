@@ -29,11 +29,12 @@ Q_DECLARE_LOGGING_CATEGORY(SQLPROGRAMDATABASECONNECTION)
 //
 // Most operations exist twice: on the store's own connection (the interface),
 // and on a connection given by the caller, which export and import use to
-// fill and read a program file with the same code. The given forms need the
-// catalogue but not the store's own connection. Sections and set points are
+// fill and read a program file with the same code. A given form needs the
+// catalogue where it reads or writes set points, never the store's own
+// connection; export and import need both. Sections and set points are
 // written by SqlProgramSections, steps by SqlProgramSteps, repetitions by
-// SqlProgramStepRepetitions,
-// files by SqlProgramTransfer, the tables made by SqlProgramTables.
+// SqlProgramStepRepetitions, files by SqlProgramTransfer, and the tables made
+// by SqlProgramTables.
 //
 // Deleting a program, a step or a section takes everything that belongs to it
 // in one transaction, whatever actions the schema's foreign keys have.

@@ -36,7 +36,7 @@ struct SqlProgramTransfer::Copy
     // The programs being copied, the outermost first: meeting one of them
     // again means a program calls itself, which would never end.
     QList<int> path;
-    // Import only: every program made, and what it is made of.
+    // Import only: every program made, all taken out again when the import fails.
     QList<ProgramId> created;
     UserId user;
     QString baseName;
