@@ -5,6 +5,7 @@
 #include "Base/Connection/DatabaseConnection/SqlCameraDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlChamberDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlConfigurationDatabaseConnection.h"
+#include "Base/Connection/DatabaseConnection/SqlProgramDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlProtocolDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlRoomDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlSettingsDatabaseConnection.h"
@@ -15,7 +16,7 @@
 // The creation functions of the application tables are in
 // DatabaseConnectionTables.cpp, the calls passed on to each store in
 // DatabaseConnection<Store>.cpp (Access, Alarm, Camera, Chamber,
-// Configuration, Protocol, Room, Settings, User).
+// Configuration, Program, Protocol, Room, Settings, User).
 
 namespace zelmor::base::connection::databaseconnection {
 
@@ -32,6 +33,7 @@ DatabaseConnection::DatabaseConnection(bool mergeUserLevels, QObject* parent)
     , cameraStore(new SqlCameraDatabaseConnection(nullptr))
     , chamberStore(new SqlChamberDatabaseConnection(nullptr))
     , configurationStore(new SqlConfigurationDatabaseConnection(nullptr))
+    , programStore(new SqlProgramDatabaseConnection(nullptr))
     , protocolStore(new SqlProtocolDatabaseConnection(mergeUserLevels, nullptr))
     , roomStore(new SqlRoomDatabaseConnection(nullptr))
     , settingsStore(new SqlSettingsDatabaseConnection(nullptr))
@@ -58,6 +60,7 @@ bool DatabaseConnection::setDependencies(ISqlConnection* applicationDatabase, IS
            && alarmStore->setDependencies(applicationDatabase, configurationStore.data(), chamberStore.data())
            && configurationStore->setDependencies(configurationDatabase)
            && chamberStore->setDependencies(applicationDatabase, configurationStore.data(), roomStore.data())
+           && programStore->setDependencies(applicationDatabase, configurationStore.data())
            && protocolStore->setDependencies(applicationDatabase) && roomStore->setDependencies(applicationDatabase)
            && settingsStore->setDependencies(applicationDatabase)
            && userStore->setDependencies(applicationDatabase, configurationStore.data(), protocolStore.data());
@@ -103,6 +106,8 @@ void DatabaseConnection::connectSignals()
             Qt::UniqueConnection);
     connect(configurationStore.data(), &SqlConfigurationDatabaseConnection::error, this, &DatabaseConnection::error,
             Qt::UniqueConnection);
+    connect(programStore.data(), &SqlProgramDatabaseConnection::error, this, &DatabaseConnection::error,
+            Qt::UniqueConnection);
     connect(protocolStore.data(), &SqlProtocolDatabaseConnection::error, this, &DatabaseConnection::error,
             Qt::UniqueConnection);
     connect(roomStore.data(), &SqlRoomDatabaseConnection::error, this, &DatabaseConnection::error,
@@ -126,8 +131,8 @@ bool DatabaseConnection::initializeStores()
 {
     // In the order of the stores, stopping at the first false.
     const QList<IInitializing*> stores = {
-        accessStore.data(),   alarmStore.data(), cameraStore.data(),   chamberStore.data(), configurationStore.data(),
-        protocolStore.data(), roomStore.data(),  settingsStore.data(), userStore.data(),
+        accessStore.data(),  alarmStore.data(),    cameraStore.data(), chamberStore.data(),  configurationStore.data(),
+        programStore.data(), protocolStore.data(), roomStore.data(),   settingsStore.data(), userStore.data(),
     };
     for (IInitializing* store : stores) {
         if (!store->initialize()) {

@@ -7,6 +7,7 @@
 #include "Domain/Api/ICameraDatabaseConnection.h"
 #include "Domain/Api/IChamberDatabaseConnection.h"
 #include "Domain/Api/IConfigurationDatabaseConnection.h"
+#include "Domain/Api/IProgramDatabaseConnection.h"
 #include "Domain/Api/IProtocolDatabaseConnection.h"
 #include "Domain/Api/IRoomDatabaseConnection.h"
 #include "Domain/Api/ISettingsDatabaseConnection.h"
@@ -32,6 +33,7 @@ class SqlAlarmDatabaseConnection;
 class SqlCameraDatabaseConnection;
 class SqlChamberDatabaseConnection;
 class SqlConfigurationDatabaseConnection;
+class SqlProgramDatabaseConnection;
 class SqlProtocolDatabaseConnection;
 class SqlRoomDatabaseConnection;
 class SqlSettingsDatabaseConnection;
@@ -53,6 +55,7 @@ class DatabaseConnection : public QObject,
                            public zelmor::domain::api::ICameraDatabaseConnection,
                            public zelmor::domain::api::IChamberDatabaseConnection,
                            public zelmor::domain::api::IConfigurationDatabaseConnection,
+                           public zelmor::domain::api::IProgramDatabaseConnection,
                            public zelmor::domain::api::IProtocolDatabaseConnection,
                            public zelmor::domain::api::IRoomDatabaseConnection,
                            public zelmor::domain::api::ISettingsDatabaseConnection,
@@ -203,6 +206,70 @@ public:
                               const zelmor::domain::types::SignalId& signalId, bool second) const override;
     zelmor::domain::types::Unit::UnitId getSignalUnitId(const zelmor::domain::types::SignalId& id) const override;
 
+    // IProgramDatabaseConnection
+    QList<zelmor::domain::types::ProgramData> getAllPrograms() const override;
+    zelmor::domain::types::ProgramData getProgram(const zelmor::domain::types::ProgramId& id) const override;
+    QString getProgramName(const zelmor::domain::types::ProgramId& id) const override;
+    bool getProgramStateEdited(const zelmor::domain::types::ProgramId& id) const override;
+    zelmor::domain::types::UserId getProgramUserId(const zelmor::domain::types::ProgramId& id) const override;
+    zelmor::domain::types::ChamberTypeId
+    getProgramChamberTypeId(const zelmor::domain::types::ProgramId& id) const override;
+    zelmor::domain::types::ProgramData::Type getProgramType(const zelmor::domain::types::ProgramId& id) const override;
+    bool exportProgram(const zelmor::domain::types::ProgramId& id, const QUrl& file) const override;
+    zelmor::domain::types::ProgramId importProgram(const QUrl& file,
+                                                   const zelmor::domain::types::UserId& user) override;
+    bool addProgram(zelmor::domain::types::ProgramData& program) override;
+    bool deleteProgram(const zelmor::domain::types::ProgramId& id) override;
+    bool updateProgram(const zelmor::domain::types::ProgramData& program) override;
+    bool updateProgramName(const zelmor::domain::types::ProgramId& id, QString name) override;
+    zelmor::domain::types::ProgramId findProgramByName(const QString& name) const override;
+    bool isProgramIdValid(const zelmor::domain::types::ProgramId& id) const override;
+    bool hasSubPrograms(const zelmor::domain::types::ProgramId& id) const override;
+    bool containsProgramStepRepetitions(const zelmor::domain::types::ProgramStepRepetition& repetition) const override;
+    bool addProgramStep(zelmor::domain::types::ProgramStep& step) override;
+    bool updateProgramSteps(const zelmor::domain::types::ProgramId& program,
+                            QList<zelmor::domain::types::ProgramStep>& steps) override;
+    QList<zelmor::domain::types::ProgramStep>
+    getProgramSteps(const zelmor::domain::types::ProgramId& program) const override;
+    bool addProgramStepRepetition(zelmor::domain::types::ProgramStepRepetition& repetition) override;
+    bool updateProgramStepRepetitions(const zelmor::domain::types::ProgramId& program,
+                                      QList<zelmor::domain::types::ProgramStepRepetition>& repetitions) override;
+    bool deleteProgramStepRepetition(const zelmor::domain::types::ProgramStepRepetitionId& id) override;
+    bool updateProgramStepRepetition(const zelmor::domain::types::ProgramStepRepetition& repetition) override;
+    QList<zelmor::domain::types::ProgramStepRepetition>
+    getProgramStepRepetitions(const zelmor::domain::types::ProgramId& program) const override;
+    zelmor::domain::types::ProgramStepRepetition
+    getProgramStepRepetition(const zelmor::domain::types::ProgramSectionId& startStep,
+                             const zelmor::domain::types::ProgramSectionId& endStep) const override;
+    QVariant getProgramProperty(const zelmor::domain::types::ProgramId& id,
+                                zelmor::domain::api::ProgramProperty property) const override;
+    bool updateProgramProperty(const zelmor::domain::types::ProgramId& id,
+                               zelmor::domain::api::ProgramProperty property, const QVariant& value) override;
+    bool addSection(zelmor::domain::types::ProgramSection& section) override;
+    bool updateSection(zelmor::domain::types::ProgramSection& section) override;
+    bool addSetpoints(const zelmor::domain::types::ProgramSectionId& section,
+                      const QList<zelmor::domain::types::SignalValuePair>& setpoints) override;
+    bool updateProgramStep(const zelmor::domain::types::ProgramStep& step) override;
+    bool deleteProgramStep(const zelmor::domain::types::ProgramStepId& id) override;
+    bool deleteProgramSteps(const zelmor::domain::types::ProgramId& program) override;
+    bool deleteUnusedProgramSteps(const zelmor::domain::types::ProgramId& program,
+                                  const QList<zelmor::domain::types::ProgramStep>& steps) override;
+    bool
+    deleteUnusedProgramStepRepetitions(const zelmor::domain::types::ProgramId& program,
+                                       const QList<zelmor::domain::types::ProgramStepRepetition>& repetitions) override;
+    bool deleteProgramSection(const zelmor::domain::types::ProgramSectionId& id) override;
+    bool deleteProgramSections(const zelmor::domain::types::ProgramId& program) override;
+    bool deleteProgramSectionSetpoints(const zelmor::domain::types::ProgramSectionId& section) override;
+    bool deleteProgramSetpoints(const zelmor::domain::types::ProgramId& program) override;
+    zelmor::domain::types::ProgramSectionId
+    getProgramSectionId(const zelmor::domain::types::ProgramStepId& step) const override;
+    QVariant getProgramStepPropertyValue(const zelmor::domain::types::ProgramStepId& step,
+                                         zelmor::domain::api::ProgramStepProperty property) const override;
+    zelmor::domain::types::ProgramSection
+    getProgramSection(const zelmor::domain::types::ProgramSectionId& id) const override;
+    QList<zelmor::domain::types::SignalValuePair>
+    getProgramSectionSetpoints(const zelmor::domain::types::ProgramSectionId& section) const override;
+
     // IProtocolDatabaseConnection
     bool addProtocolEntry(const zelmor::domain::types::ProtocolEntry& entry) override;
     QList<zelmor::domain::types::ProtocolEntry>
@@ -337,6 +404,7 @@ private:
     QSharedPointer<SqlCameraDatabaseConnection> cameraStore;
     QSharedPointer<SqlChamberDatabaseConnection> chamberStore;
     QSharedPointer<SqlConfigurationDatabaseConnection> configurationStore;
+    QSharedPointer<SqlProgramDatabaseConnection> programStore;
     QSharedPointer<SqlProtocolDatabaseConnection> protocolStore;
     QSharedPointer<SqlRoomDatabaseConnection> roomStore;
     QSharedPointer<SqlSettingsDatabaseConnection> settingsStore;

@@ -11,12 +11,16 @@
 #include "Domain/Types/ChamberSignal.h"
 #include "Domain/Types/ChamberTypeData.h"
 #include "Domain/Types/ChamberTypeId.h"
+#include "Domain/Types/ProgramData.h"
+#include "Domain/Types/ProgramSection.h"
+#include "Domain/Types/ProgramStepRepetitionId.h"
 #include "Domain/Types/ProtocolEntry.h"
 #include "Domain/Types/RecordingId.h"
 #include "Domain/Types/ReportConfiguration.h"
 #include "Domain/Types/Room.h"
 #include "Domain/Types/RoomPosition.h"
 #include "Domain/Types/SecurityQuestionAnswer.h"
+#include "Domain/Types/SignalValuePair.h"
 #include "Domain/Types/SirenBoxNetworkConfiguration.h"
 #include "Domain/Types/SmtpConfiguration.h"
 #include "Domain/Types/TimeSpan.h"
@@ -293,6 +297,7 @@ private slots:
     void chamberStoreThroughTheFacade();
     void alarmStoreThroughTheFacade();
     void usersAndAccessThroughTheFacade();
+    void programStoreThroughTheFacade();
 
 private:
     TestDatabase files;
@@ -430,6 +435,8 @@ void TestDatabaseConnection::initialize_data()
     // A table that no creation function builds stays missing.
     QTest::newRow("delivered without the cameras") << delivered + "DROP TABLE camera;"
                                                    << "" << false << false << QList<int>{4} << QStringList();
+    QTest::newRow("delivered without the program set points") << delivered + "DROP TABLE program_setpoint;"
+                                                              << "" << false << false << QList<int>{4} << QStringList();
     QTest::newRow("catalogue without its signal table")
         << delivered << "DROP TABLE signal;" << false << false << QList<int>{4} << QStringList();
 }
@@ -953,6 +960,80 @@ void TestDatabaseConnection::usersAndAccessThroughTheFacade()
     QVERIFY(!facade.addUserPreferences(bert.id, UserPreferences()));
     QVERIFY(facade.deleteUser(bert.id));
     QCOMPARE(facade.getAllUserNames(), QStringList{"anna"});
+    QCOMPARE(errors.count(), 0);
+}
+
+// Every operation of the program store once, each written value read back
+// through the facade.
+void TestDatabaseConnection::programStoreThroughTheFacade()
+{
+    Setup setup(files, delivered, smallCatalogue);
+    QVERIFY(setup.ok);
+    DatabaseConnection& facade = setup.facade;
+    QVERIFY(facade.initialize());
+    QSignalSpy errors(&facade, &DatabaseConnection::error);
+
+    ChamberTypeData type;
+    type.chamberTypeId = ChamberTypeId(5, 0);
+    ProgramData main(0, "Main", 1, "Info", ProgramData::TIME_PROGRAM, true, type);
+    ProgramData sub(0, "Sub", 1, QString(), ProgramData::WEEK_PROGRAM, false, type);
+    QVERIFY(facade.addProgram(main) && facade.addProgram(sub));
+    main.name = "Main 2";
+    QVERIFY(facade.updateProgram(main) && facade.updateProgramName(sub.id, "Sub 2"));
+    QVERIFY(facade.updateProgramProperty(main.id, ProgramProperty::EDITED, false));
+    QCOMPARE(facade.getProgramName(1), QStringLiteral("Main 2"));
+    QVERIFY(!facade.getProgramStateEdited(1));
+    QCOMPARE(int(facade.getProgramUserId(1)), 1);
+    QCOMPARE(facade.getProgramChamberTypeId(1), ChamberTypeId(5, 0));
+    QCOMPARE(facade.getProgramType(2), ProgramData::WEEK_PROGRAM);
+    QCOMPARE(facade.getProgramProperty(2, ProgramProperty::PROGRAM_NAME), QVariant(QStringLiteral("Sub 2")));
+    QCOMPARE(int(facade.findProgramByName("Sub 2")), 2);
+    QVERIFY(facade.isProgramIdValid(2) && !facade.isProgramIdValid(3));
+
+    const auto humidity = [](float value) { return SignalValuePair(7, UnitValue(Unit::RELATIVE_HUMIDITY_RF, value)); };
+    ProgramStep first(0, 1, 1, ProgramSection(0, {humidity(50)}, 60, ProgramSection::RAMP, false, {}));
+    QVERIFY(facade.addProgramStep(first));
+    QList<ProgramStep> steps = {first, ProgramStep(0, 1, 2, ProgramId(2))};
+    QVERIFY(facade.updateProgramSteps(1, steps));
+    QVERIFY(facade.getProgramSteps(1) == steps);
+    QVERIFY(facade.hasSubPrograms(1) && !facade.hasSubPrograms(2));
+    QCOMPARE(int(facade.getProgramSectionId(1)), 1);
+    QCOMPARE(facade.getProgramStepPropertyValue(2, ProgramStepProperty::SUB_PROGRAM_ID), QVariant(2));
+    ProgramSection section = facade.getProgramSection(1);
+    section.durationInSeconds = 90;
+    QVERIFY(facade.updateSection(section) && facade.addSetpoints(1, {humidity(55)}));
+    QCOMPARE(facade.getProgramSection(1).durationInSeconds, 90);
+    QVERIFY(facade.getProgramSectionSetpoints(1) == QList<SignalValuePair>{humidity(55)});
+    ProgramSection loose(0, {humidity(1)}, 1, ProgramSection::JUMP, false, {});
+    QVERIFY(facade.addSection(loose) && facade.deleteProgramSectionSetpoints(loose.id));
+    QVERIFY(facade.getProgramSectionSetpoints(loose.id).isEmpty() && facade.deleteProgramSection(loose.id));
+    QVERIFY(facade.updateProgramStep(ProgramStep(2, 1, 3, ProgramId(2))));
+    QCOMPARE(facade.getProgramSteps(1).value(1).orderNumber, 3);
+
+    ProgramStepRepetition repetition(0, 1, 1, 2, 2);
+    QVERIFY(facade.addProgramStepRepetition(repetition));
+    repetition.repetitions = 3;
+    QVERIFY(facade.updateProgramStepRepetition(repetition) && facade.containsProgramStepRepetitions(repetition));
+    QVERIFY(facade.getProgramStepRepetition(1, 2) == repetition);
+    QList<ProgramStepRepetition> repetitions = facade.getProgramStepRepetitions(1);
+    repetitions.append(ProgramStepRepetition(0, 1, 2, 2, 4));
+    QVERIFY(facade.updateProgramStepRepetitions(1, repetitions));
+    QVERIFY(facade.deleteProgramStepRepetition(repetitions.at(1).id));
+    QVERIFY(facade.deleteUnusedProgramStepRepetitions(1, {}) && facade.getProgramStepRepetitions(1).isEmpty());
+
+    const QUrl file = QUrl::fromLocalFile(files.filePath("Main.prg"));
+    QVERIFY(facade.exportProgram(1, file));
+    QCOMPARE(int(facade.importProgram(file, 4)), 3);
+    QCOMPARE(facade.getAllPrograms().size(), 4);
+    QCOMPARE(facade.getProgram(3).name + ' ' + facade.getProgram(4).name,
+             QStringLiteral("Main_imported Main_subimported"));
+
+    QVERIFY(facade.deleteProgramSetpoints(3) && facade.deleteProgramSections(3));
+    QCOMPARE(int(facade.getProgramSectionId(facade.getProgramSteps(3).value(0).id)), 0);
+    QVERIFY(facade.deleteUnusedProgramSteps(3, {}) && facade.getProgramSteps(3).isEmpty());
+    QVERIFY(facade.deleteProgramStep(2) && facade.deleteProgramSteps(1) && facade.getProgramSteps(1).isEmpty());
+    QVERIFY(facade.deleteProgram(3) && facade.deleteProgram(4) && facade.deleteProgram(1));
+    QCOMPARE(facade.getAllPrograms().size(), 1);
     QCOMPARE(errors.count(), 0);
 }
 
