@@ -100,8 +100,9 @@ const QList<QVariant>& rowAt(const Rows& rows, qint64 index)
 
 } // namespace
 
-SqlRecordsetDatabaseConnection::SqlRecordsetDatabaseConnection(QObject* parent)
+SqlRecordsetDatabaseConnection::SqlRecordsetDatabaseConnection(QObject* parent, int rowCacheCapacity)
     : QObject(parent)
+    , rowCache(rowCacheCapacity)
     , checks(this, SQLRECORDSETDATABASECONNECTION)
 {
 }

@@ -51,7 +51,8 @@ public:
     // At most this many values are bound to one statement.
     static constexpr int maxBindValues_ = 999;
 
-    explicit SqlRecordsetDatabaseConnection(QObject* parent = nullptr);
+    // The row cache holds rowCacheCapacity rows.
+    explicit SqlRecordsetDatabaseConnection(QObject* parent = nullptr, int rowCacheCapacity = rowCacheCapacity_);
     ~SqlRecordsetDatabaseConnection() override;
 
     // None is owned. True when all three are set.
@@ -147,7 +148,7 @@ private:
     zelmor::domain::api::ISqlConnection* connection = nullptr;
     zelmor::domain::api::IConfigurationDatabaseConnection* configuration = nullptr;
     zelmor::domain::api::IChamberDatabaseConnection* chambers = nullptr;
-    SqlRecordsetDatabaseCache rowCache{rowCacheCapacity_};
+    SqlRecordsetDatabaseCache rowCache;
     // Filled by const reads, too.
     mutable RecordingSignalsAndColumnNamesCache signalsCache;
     SqlStoreChecks checks;
