@@ -2,50 +2,25 @@
 
 namespace zelmor::domain::types {
 
-namespace {
-
-ToleranceRange rangeAt(const QMap<QDateTime, ToleranceRange>& ranges, const QDateTime& time)
+QMap<SignalId, ToleranceRange> getToleranceRangesAt(const ToleranceRangeHistory& history, const QDateTime& time)
 {
-    if (ranges.isEmpty()) {
-        return ToleranceRange();
+    // Compared in UTC: a local time would be converted again at every comparison.
+    const QDateTime utc = time.toUTC();
+    QMap<SignalId, ToleranceRange> ranges;
+    for (auto signal = history.cbegin(); signal != history.cend(); ++signal) {
+        ToleranceRange range;
+        bool first = true;
+        for (auto entry = signal.value().cbegin(); entry != signal.value().cend(); ++entry) {
+            // Ascending: once past the time, no later entry is taken.
+            if (!first && entry.key() > utc) {
+                break;
+            }
+            range = entry.value();
+            first = false;
+        }
+        ranges.insert(signal.key(), range);
     }
-    // The first range counts for everything before it, too.
-    auto next = ranges.upperBound(time);
-    return next == ranges.constBegin() ? next.value() : (--next).value();
-}
-
-} // namespace
-
-ToleranceRangeHistory::ToleranceRangeHistory() = default;
-
-ToleranceRangeHistory::ToleranceRangeHistory(const QMap<SignalId, QMap<QDateTime, ToleranceRange>>& ranges)
-    : ranges(ranges)
-{
-}
-
-QMap<SignalId, ToleranceRange> ToleranceRangeHistory::getToleranceRanges(const QDateTime& time) const
-{
-    QMap<SignalId, ToleranceRange> result;
-    for (auto signal = ranges.constBegin(); signal != ranges.constEnd(); ++signal) {
-        result.insert(signal.key(), rangeAt(signal.value(), time));
-    }
-    return result;
-}
-
-ToleranceRange ToleranceRangeHistory::getToleranceRange(SignalId signal, const QDateTime& time) const
-{
-    const auto found = ranges.constFind(signal);
-    return found == ranges.constEnd() ? ToleranceRange() : rangeAt(found.value(), time);
-}
-
-bool operator==(const ToleranceRangeHistory& left, const ToleranceRangeHistory& right)
-{
-    return left.ranges == right.ranges;
-}
-
-bool operator!=(const ToleranceRangeHistory& left, const ToleranceRangeHistory& right)
-{
-    return !(left == right);
+    return ranges;
 }
 
 } // namespace zelmor::domain::types

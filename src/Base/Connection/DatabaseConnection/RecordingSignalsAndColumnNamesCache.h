@@ -1,8 +1,8 @@
 #pragma once
 
+#include "Base/Connection/DatabaseConnection/LruCache.h"
 #include "Domain/Types/ChamberSignal.h"
 
-#include <QHash>
 #include <QMap>
 #include <QStringList>
 
@@ -14,27 +14,25 @@ namespace zelmor::base::connection::databaseconnection {
 // same order.
 using SignalsAndColumnNames = std::pair<QMap<int, zelmor::domain::types::ChamberSignal>, QStringList>;
 
-// The mapping of the most recently used recordings, each costing 1. Nothing
-// leaves it but by eviction: a recording's mapping never changes. Used on the
-// connection's thread only.
-class RecordingSignalsAndColumnNamesCache
+// The mappings of the recordings asked for last, by recording number, each
+// costing 1. A recording's mapping never changes, so nothing leaves but by
+// eviction. A mapping without signals and columns isn't kept: it may be laid
+// down later.
+class RecordingSignalsAndColumnNamesCache : public LruCache<int, SignalsAndColumnNames>
 {
 public:
-    explicit RecordingSignalsAndColumnNamesCache(int capacity = 20);
+    static constexpr int defaultCapacity_ = 20;
 
-    bool contains(int recording) const;
-    // A copy; makes the entry the most recent. Empty when missing.
-    SignalsAndColumnNames get(int recording);
-    // Replaces an entry of the recording; a mapping without signals and
-    // columns isn't kept.
-    void add(int recording, const SignalsAndColumnNames& mapping);
+    explicit RecordingSignalsAndColumnNamesCache(int capacity = defaultCapacity_)
+        : LruCache(capacity)
+    {
+    }
 
-    int getCapacity() const;
-
-private:
-    // Until the shared least-recently-used cache is in: nothing is evicted.
-    QHash<int, SignalsAndColumnNames> entries;
-    int capacity;
+    using LruCache::add;
+    void add(int recording, const SignalsAndColumnNames& mapping)
+    {
+        LruCache::add(recording, mapping, mapping.first.isEmpty() && mapping.second.isEmpty() ? 0 : 1);
+    }
 };
 
 } // namespace zelmor::base::connection::databaseconnection

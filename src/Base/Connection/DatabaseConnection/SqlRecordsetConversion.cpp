@@ -79,13 +79,15 @@ Recordset SqlRecordsetConversion::convertResolved(const QList<QVariant>& row) co
     const auto history = histories.constFind(recording);
     Q_ASSERT_X(history != histories.constEnd(), "SqlRecordsetConversion::convertResolved", "recording not resolved");
 
+    const QMap<SignalId, ToleranceRange> ranges = getToleranceRangesAt(history.value(), time);
+
     // The signal columns are the last ones, in ascending signal id.
     QList<SignalValuePair> pairs;
     pairs.reserve(signalMap.size());
     int column = columnCount - signalMap.size();
     for (auto signal = signalMap.constBegin(); signal != signalMap.constEnd(); ++signal, ++column) {
-        const QSharedPointer<ToleranceRange> range =
-            QSharedPointer<ToleranceRange>::create(history->getToleranceRange(signal.key(), time));
+        // A signal without a range gets an INVALID one.
+        const QSharedPointer<ToleranceRange> range = QSharedPointer<ToleranceRange>::create(ranges.value(signal.key()));
         QVariant value;
         if (values.isNull(column)) {
             // No value, not 0.

@@ -1,37 +1,30 @@
 #pragma once
 
+#include "Base/Connection/DatabaseConnection/LruCache.h"
 #include "Domain/Types/RecordingId.h"
 
-#include <QHash>
 #include <QList>
 #include <QVariant>
 
 namespace zelmor::base::connection::databaseconnection {
 
-// The raw rows of recordings, as read: the least recently used recording goes
-// first when rows must make room. A recording costs its number of rows. Used
-// on the connection's thread only.
-class SqlRecordsetDatabaseCache
+// The raw rows of the recordings read last, as read: a recording costs its
+// number of rows, and the least recently used recordings make room. An empty
+// list isn't kept; nor is one that alone is over the capacity, which also
+// drops what the recording had here before.
+class SqlRecordsetDatabaseCache : public LruCache<zelmor::domain::types::RecordingId, QList<QList<QVariant>>>
 {
 public:
-    explicit SqlRecordsetDatabaseCache(int capacity);
+    explicit SqlRecordsetDatabaseCache(int capacity)
+        : LruCache(capacity)
+    {
+    }
 
-    bool contains(const zelmor::domain::types::RecordingId& recording) const;
-    // A copy; makes the entry the most recent. Empty when missing.
-    QList<QList<QVariant>> get(const zelmor::domain::types::RecordingId& recording);
-    // Replaces an entry of the recording. An empty list isn't kept, nor one
-    // that alone is over the capacity.
-    void add(const zelmor::domain::types::RecordingId& recording, const QList<QList<QVariant>>& rows);
-    void remove(const zelmor::domain::types::RecordingId& recording);
-
-    int getCapacity() const;
-    // The rows held.
-    int getCost() const;
-
-private:
-    // Until the shared least-recently-used cache is in: nothing is evicted.
-    QHash<int, QList<QList<QVariant>>> entries;
-    int capacity;
+    using LruCache::add;
+    void add(const zelmor::domain::types::RecordingId& recording, const QList<QList<QVariant>>& rows)
+    {
+        LruCache::add(recording, rows, rows.size());
+    }
 };
 
 } // namespace zelmor::base::connection::databaseconnection
