@@ -5,6 +5,8 @@
 #include "Base/Connection/DatabaseConnection/SqlChamberDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlConfigurationDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlProtocolDatabaseConnection.h"
+#include "Base/Connection/DatabaseConnection/SqlRecordingDatabaseConnection.h"
+#include "Base/Connection/DatabaseConnection/SqlRecordsetDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlRoomDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlSettingsDatabaseConnection.h"
 #include "Domain/Api/IInitializing.h"
@@ -13,7 +15,7 @@
 // The creation functions of the application tables are in
 // DatabaseConnectionTables.cpp, the calls passed on to each store in
 // DatabaseConnection<Store>.cpp (Alarm, Camera, Chamber, Configuration,
-// Protocol, Room, Settings).
+// Protocol, Recording, Recordset, Room, Settings).
 
 namespace zelmor::base::connection::databaseconnection {
 
@@ -30,6 +32,8 @@ DatabaseConnection::DatabaseConnection(bool mergeUserLevels, QObject* parent)
     , chamberStore(new SqlChamberDatabaseConnection(nullptr))
     , configurationStore(new SqlConfigurationDatabaseConnection(nullptr))
     , protocolStore(new SqlProtocolDatabaseConnection(mergeUserLevels, nullptr))
+    , recordingStore(new SqlRecordingDatabaseConnection(nullptr))
+    , recordsetStore(new SqlRecordsetDatabaseConnection(nullptr))
     , roomStore(new SqlRoomDatabaseConnection(nullptr))
     , settingsStore(new SqlSettingsDatabaseConnection(nullptr))
     , mergeUserLevels(mergeUserLevels)
@@ -54,8 +58,10 @@ bool DatabaseConnection::setDependencies(ISqlConnection* applicationDatabase, IS
            && alarmStore->setDependencies(applicationDatabase, configurationStore.data(), chamberStore.data())
            && configurationStore->setDependencies(configurationDatabase)
            && chamberStore->setDependencies(applicationDatabase, configurationStore.data(), roomStore.data())
-           && protocolStore->setDependencies(applicationDatabase) && roomStore->setDependencies(applicationDatabase)
-           && settingsStore->setDependencies(applicationDatabase);
+           && protocolStore->setDependencies(applicationDatabase)
+           && recordingStore->setDependencies(applicationDatabase, chamberStore.data(), recordsetStore.data())
+           && recordsetStore->setDependencies(applicationDatabase, configurationStore.data(), chamberStore.data())
+           && roomStore->setDependencies(applicationDatabase) && settingsStore->setDependencies(applicationDatabase);
 }
 
 bool DatabaseConnection::areDependenciesSet() const
@@ -98,6 +104,10 @@ void DatabaseConnection::connectSignals()
             Qt::UniqueConnection);
     connect(protocolStore.data(), &SqlProtocolDatabaseConnection::error, this, &DatabaseConnection::error,
             Qt::UniqueConnection);
+    connect(recordingStore.data(), &SqlRecordingDatabaseConnection::error, this, &DatabaseConnection::error,
+            Qt::UniqueConnection);
+    connect(recordsetStore.data(), &SqlRecordsetDatabaseConnection::error, this, &DatabaseConnection::error,
+            Qt::UniqueConnection);
     connect(roomStore.data(), &SqlRoomDatabaseConnection::error, this, &DatabaseConnection::error,
             Qt::UniqueConnection);
     connect(settingsStore.data(), &SqlSettingsDatabaseConnection::error, this, &DatabaseConnection::error,
@@ -117,8 +127,9 @@ bool DatabaseConnection::initializeStores()
 {
     // In the order of the stores, stopping at the first false.
     const QList<IInitializing*> stores = {
-        alarmStore.data(),    cameraStore.data(), chamberStore.data(),  configurationStore.data(),
-        protocolStore.data(), roomStore.data(),   settingsStore.data(),
+        alarmStore.data(),         cameraStore.data(),   chamberStore.data(),
+        configurationStore.data(), protocolStore.data(), recordingStore.data(),
+        recordsetStore.data(),     roomStore.data(),     settingsStore.data(),
     };
     for (IInitializing* store : stores) {
         if (!store->initialize()) {
