@@ -2,12 +2,15 @@
 
 #include "Base/Connection/DatabaseConnection/DatabaseSchema.h"
 #include "Base/Connection/DatabaseConnection/SqlRow.h"
+#include "Base/Connection/DatabaseConnection/sqlhelper.h"
 #include "Domain/Api/IChamberDatabaseConnection.h"
 #include "Domain/Types/Recordset.h"
 #include "Domain/Types/RecordsetComment.h"
 #include "Domain/Types/ToleranceRange.h"
 
 #include <QSharedPointer>
+
+#include <algorithm>
 
 namespace zelmor::base::connection::databaseconnection {
 
@@ -49,6 +52,9 @@ SqlRecordsetConversion::SqlRecordsetConversion(IChamberDatabaseConnection* chamb
     , columnCount(columnCount)
     , signalMap(signalMap)
 {
+    for (const ChamberSignal& signal : signalMap) {
+        digital.append(signal.isDigitalSignal());
+    }
 }
 
 Recordset SqlRecordsetConversion::convert(const QList<QVariant>& row)
@@ -74,29 +80,34 @@ Recordset SqlRecordsetConversion::convertResolved(const QList<QVariant>& row) co
         return Recordset();
     }
     const SqlRow values(row);
-    const QDateTime time = values.toLocalTime(RECORD_TIME);
+    const QDateTime utc = values.toUtcTime(RECORD_TIME);
+    const QDateTime time = utc.isValid() ? utc.toLocalTime() : QDateTime();
     const int recording = values.toInt(RECORDING_ID, noRecording);
-    const auto history = histories.constFind(recording);
-    Q_ASSERT_X(history != histories.constEnd(), "SqlRecordsetConversion::convertResolved", "recording not resolved");
-
-    const QMap<SignalId, ToleranceRange> ranges = getToleranceRangesAt(history.value(), time);
+    const auto resolved = histories.constFind(recording);
+    Q_ASSERT_X(resolved != histories.constEnd(), "SqlRecordsetConversion::convertResolved", "recording not resolved");
+    const QMap<SignalId, ToleranceRange>& ranges = resolved->at(utc);
 
     // The signal columns are the last ones, in ascending signal id.
     QList<SignalValuePair> pairs;
     pairs.reserve(signalMap.size());
     int column = columnCount - signalMap.size();
-    for (auto signal = signalMap.constBegin(); signal != signalMap.constEnd(); ++signal, ++column) {
-        // A signal without a range gets an INVALID one.
-        const QSharedPointer<ToleranceRange> range = QSharedPointer<ToleranceRange>::create(ranges.value(signal.key()));
-        QVariant value;
-        if (values.isNull(column)) {
+    int index = 0;
+    for (auto signal = signalMap.constBegin(); signal != signalMap.constEnd(); ++signal, ++column, ++index) {
+        // Made in its place in the list, as SignalValuePair(signal, value, range) would make it.
+        pairs.append(SignalValuePair());
+        SignalValuePair& pair = pairs.last();
+        pair.signalId = signal.key();
+        pair.value.unit = signal->unit;
+        const QVariant& cell = row.at(column);
+        if (!sqlhelper::isSqlValueValid(cell)) {
             // No value, not 0.
-        } else if (signal->isDigitalSignal()) {
-            value = values.toBool(column, false);
+        } else if (digital.at(index)) {
+            pair.value.value = cell.toBool();
         } else {
-            value = values.toFloat(column, 0.0f);
+            pair.value.value = cell.toFloat();
         }
-        pairs.append(SignalValuePair(signal.value(), value, range));
+        // A signal without a range gets an INVALID one.
+        pair.toleranceRange = QSharedPointer<ToleranceRange>::create(ranges.value(signal.key()));
     }
 
     RecordsetComment comment;
@@ -123,8 +134,36 @@ void SqlRecordsetConversion::resolve(const QList<QVariant>& row)
 {
     const int recording = SqlRow(row).toInt(RECORDING_ID, noRecording);
     if (!histories.contains(recording)) {
-        histories.insert(recording, chambers->getToleranceRangeHistory(recording, signalMap));
+        histories.insert(recording, ResolvedRanges(chambers->getToleranceRangeHistory(recording, signalMap)));
     }
+}
+
+SqlRecordsetConversion::ResolvedRanges::ResolvedRanges(const ToleranceRangeHistory& history)
+{
+    // The ranges change only where one of them takes effect: between two such
+    // moments, and before the first, every time gives the same ranges.
+    for (const QMap<QDateTime, ToleranceRange>& ranges : history) {
+        for (auto entry = ranges.constBegin(); entry != ranges.constEnd(); ++entry) {
+            changes.append(entry.key().toMSecsSinceEpoch());
+        }
+    }
+    std::sort(changes.begin(), changes.end());
+    changes.erase(std::unique(changes.begin(), changes.end()), changes.end());
+    const auto utc = [](qint64 msecs) { return QDateTime::fromMSecsSinceEpoch(msecs, Qt::UTC); };
+    between.append(getToleranceRangesAt(history, utc(changes.isEmpty() ? 0 : changes.first() - 1)));
+    for (qint64 change : qAsConst(changes)) {
+        between.append(getToleranceRangesAt(history, utc(change)));
+    }
+    withoutTime = getToleranceRangesAt(history, QDateTime());
+}
+
+const QMap<SignalId, ToleranceRange>& SqlRecordsetConversion::ResolvedRanges::at(const QDateTime& utc) const
+{
+    if (!utc.isValid()) {
+        return withoutTime;
+    }
+    const auto after = std::upper_bound(changes.constBegin(), changes.constEnd(), utc.toMSecsSinceEpoch());
+    return between.at(int(after - changes.constBegin()));
 }
 
 } // namespace zelmor::base::connection::databaseconnection

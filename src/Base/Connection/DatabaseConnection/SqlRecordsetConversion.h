@@ -9,6 +9,7 @@
 #include <QMap>
 #include <QStringList>
 #include <QVariant>
+#include <QVector>
 
 namespace zelmor::domain::api {
 class IChamberDatabaseConnection;
@@ -73,11 +74,33 @@ private:
     bool isConvertible(const QList<QVariant>& row) const;
     void resolve(const QList<QVariant>& row);
 
+    // A recording's tolerance range history, read ahead for every moment:
+    // what getToleranceRangesAt() gives, found by a search in place of a walk.
+    class ResolvedRanges
+    {
+    public:
+        ResolvedRanges() = default;
+        explicit ResolvedRanges(const zelmor::domain::types::ToleranceRangeHistory& history);
+
+        // The ranges of each signal of the history at that moment (UTC).
+        const QMap<zelmor::domain::types::SignalId, zelmor::domain::types::ToleranceRange>&
+        at(const QDateTime& utc) const;
+
+    private:
+        // The moments at which a range takes effect, ascending, in ms since the epoch.
+        QVector<qint64> changes;
+        // The ranges before the first change, then from each change on.
+        QVector<QMap<zelmor::domain::types::SignalId, zelmor::domain::types::ToleranceRange>> between;
+        QMap<zelmor::domain::types::SignalId, zelmor::domain::types::ToleranceRange> withoutTime;
+    };
+
     zelmor::domain::api::IChamberDatabaseConnection* chambers;
     int columnCount;
     QMap<int, zelmor::domain::types::ChamberSignal> signalMap;
+    // Of each signal of the map, in its order.
+    QVector<bool> digital;
     // By recording id.
-    QHash<int, zelmor::domain::types::ToleranceRangeHistory> histories;
+    QHash<int, ResolvedRanges> histories;
 };
 
 } // namespace zelmor::base::connection::databaseconnection

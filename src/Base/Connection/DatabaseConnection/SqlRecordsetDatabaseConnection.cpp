@@ -14,6 +14,7 @@
 #include "Domain/Types/TimeSpan.h"
 
 #include <QHash>
+#include <QThread>
 #include <QThreadPool>
 
 namespace zelmor::base::connection::databaseconnection {
@@ -640,7 +641,8 @@ QList<Recordset> SqlRecordsetDatabaseConnection::convertInParallel(const Rows& r
     converters.reserve(rows.size());
     {
         QThreadPool pool;
-        pool.setMaxThreadCount(maxConversionThreads_);
+        // At most 10, and no more than the machine runs at once: more would only take turns.
+        pool.setMaxThreadCount(qMin(maxConversionThreads_, QThread::idealThreadCount()));
         for (const QList<QVariant>& row : rows) {
             RecordsetConverter* converter = new RecordsetConverter(row, conversion);
             converters.append(converter);
