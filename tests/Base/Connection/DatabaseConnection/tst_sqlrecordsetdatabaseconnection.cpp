@@ -396,6 +396,12 @@ void TestSqlRecordsetDatabaseConnection::rowDecoding()
     QCOMPARE(store.getRecordsetComment(104), RecordsetComment());
     QCOMPARE(store.getRecordsetLenght(7), 10LL);
     QCOMPARE(store.getRecordsetLenght(8), 0LL);
+
+    // A row without a time counts as older than every range.
+    QCOMPARE(files.shell(path, "INSERT INTO record_set (id, recording_id, signal_2) VALUES (150, 7, 1.5);"), QString());
+    const Recordset timeless = store.getRecordset(150);
+    QVERIFY(!timeless.time.isValid());
+    QCOMPARE(*timeless.values.at(0).toleranceRange, firstRange());
 }
 
 void TestSqlRecordsetDatabaseConnection::latestAndPrevious()
