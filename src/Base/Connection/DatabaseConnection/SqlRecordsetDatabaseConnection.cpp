@@ -1,7 +1,7 @@
 #include "Base/Connection/DatabaseConnection/SqlRecordsetDatabaseConnection.h"
 
 #include "Base/Connection/DatabaseConnection/DatabaseSchema.h"
-#include "Base/Connection/DatabaseConnection/RecordsetConverter.h"
+#include "Base/Connection/DatabaseConnection/RecordsetSelection.h"
 #include "Base/Connection/DatabaseConnection/SqlQuery.h"
 #include "Base/Connection/DatabaseConnection/SqlRecordsetConversion.h"
 #include "Base/Connection/DatabaseConnection/SqlRow.h"
@@ -14,8 +14,6 @@
 #include "Domain/Types/TimeSpan.h"
 
 #include <QHash>
-#include <QThread>
-#include <QThreadPool>
 
 namespace zelmor::base::connection::databaseconnection {
 
@@ -84,19 +82,6 @@ SqlQuery selectMapping()
         .fromTable(DC::lookupRecordingHasSignalColumnTableName())
         .whereColumn(mappingColumn(RecordingHasSignalColumnProperty::RECORDING_ID));
     return query;
-}
-
-// The k-th of count picks spread evenly from the first row to the row at last;
-// a single pick is the first row.
-qint64 spreadIndex(qint64 k, qint64 last, qint64 count)
-{
-    return count > 1 ? k * last / (count - 1) : 0;
-}
-
-const QList<QVariant>& rowAt(const Rows& rows, qint64 index)
-{
-    Q_ASSERT(index >= 0 && index < rows.size());
-    return rows.at(int(index));
 }
 
 } // namespace
@@ -264,7 +249,7 @@ QList<Recordset> SqlRecordsetDatabaseConnection::getRecordsets(const RecordingId
     const QStringList columns = SqlRecordsetConversion::prepareColumnNames(mapping.second, true);
     const Rows rows = getCachedRows(recording, columns);
     SqlRecordsetConversion conversion(chambers, columns.size(), mapping.first);
-    return selectRecordsets(rows, conversion, span, maxCount);
+    return RecordsetSelection::bySpan(rows, conversion, span, maxCount);
 }
 
 QList<Recordset> SqlRecordsetDatabaseConnection::getRecordsets(const RecordingId& recording, long long start,
@@ -277,46 +262,7 @@ QList<Recordset> SqlRecordsetDatabaseConnection::getRecordsets(const RecordingId
     const QStringList columns = SqlRecordsetConversion::prepareColumnNames(mapping.second, true);
     const Rows rows = getCachedRows(recording, columns);
     SqlRecordsetConversion conversion(chambers, columns.size(), mapping.first);
-    const qint64 count = rows.size();
-
-    QList<Recordset> result;
-    if (start != 0) {
-        // start never advances, deliberately: a start inside the rows appends
-        // the same row until memory runs out. Callers pass 0.
-        while (end >= start && start < count) {
-            result.append(conversion.convert(rowAt(rows, start)));
-        }
-        return result;
-    }
-    if (count > 0) {
-        // Fetches the tolerance ranges before the bulk work; the result isn't needed.
-        conversion.convert(rows.first());
-    }
-
-    // Over all rows, or over the first end ones.
-    const qint64 last = end > 0 ? end : count;
-    if (maxCount == -1) {
-        if (end <= 0) {
-            return convertInParallel(rows, conversion);
-        }
-        for (const QList<QVariant>& row : rows) {
-            result.append(conversion.convert(row));
-        }
-        return result;
-    }
-    if (last < maxCount) {
-        for (qint64 index = 0; index < last; ++index) {
-            result.append(conversion.convert(rowAt(rows, index)));
-        }
-        return result;
-    }
-    if (maxCount < 1) {
-        return result;
-    }
-    for (qint64 k = 0; k < maxCount; ++k) {
-        result.append(conversion.convert(rowAt(rows, spreadIndex(k, last - 1, maxCount))));
-    }
-    return result;
+    return RecordsetSelection::byPosition(rows, conversion, start, end, maxCount);
 }
 
 RecordsetComment SqlRecordsetDatabaseConnection::getRecordsetComment(const RecordsetId& id) const
@@ -452,7 +398,7 @@ QList<Recordset> SqlRecordsetDatabaseConnection::getRecordsets(const SqlQuery& q
     }
     qint64 index = 0;
     connection->fetch(query, [&](const QList<QVariant>& row, int) {
-        if (index++ == spreadIndex(result.size(), total, wanted)) {
+        if (index++ == RecordsetSelection::spreadIndex(result.size(), total, wanted)) {
             append(row);
         }
     });
@@ -556,7 +502,7 @@ QList<Recordset> SqlRecordsetDatabaseConnection::getRecordsetsWithImagePath(cons
         .isNotNull();
     // Not from the row cache, and not into it.
     SqlRecordsetConversion conversion(chambers, columns.size(), mapping.first);
-    return selectRecordsets(connection->fetch(query), conversion, span, maxCount);
+    return RecordsetSelection::bySpan(connection->fetch(query), conversion, span, maxCount);
 }
 
 bool SqlRecordsetDatabaseConnection::setProperty(const RecordsetId& id, RecordsetProperty property,
@@ -589,79 +535,6 @@ Rows SqlRecordsetDatabaseConnection::getCachedRows(const RecordingId& recording,
     const Rows rows = connection->fetch(query);
     rowCache.add(recording, rows);
     return rows;
-}
-
-QList<Recordset> SqlRecordsetDatabaseConnection::selectRecordsets(const Rows& rows, SqlRecordsetConversion& conversion,
-                                                                  const TimeSpan& span, long long maxCount)
-{
-    QList<Recordset> result;
-    if ((span.hasStart() || span.hasEnd()) && !rows.isEmpty()) {
-        const QDateTime first = conversion.convert(rows.first()).time;
-        const QDateTime last = conversion.convert(rows.last()).time;
-        // An open side holds every row.
-        if ((!span.hasEnd() || !(span.end < last)) && (!span.hasStart() || !(first < span.start))) {
-            for (const QList<QVariant>& row : rows) {
-                result.append(conversion.convert(row));
-            }
-        } else {
-            for (const QList<QVariant>& row : rows) {
-                if (span.contains(conversion.getTime(row))) {
-                    result.append(conversion.convert(row));
-                }
-            }
-        }
-    }
-
-    // Behind the rows of the span: a spread over all rows, span or not.
-    const qint64 count = rows.size();
-    if (maxCount == -1) {
-        return result;
-    }
-    if (count < maxCount) {
-        for (const QList<QVariant>& row : rows) {
-            result.append(conversion.convert(row));
-        }
-        return result;
-    }
-    if (maxCount < 1) {
-        return result;
-    }
-    for (qint64 k = 0; k < maxCount; ++k) {
-        result.append(conversion.convert(rowAt(rows, spreadIndex(k, count - 1, maxCount))));
-    }
-    return result;
-}
-
-QList<Recordset> SqlRecordsetDatabaseConnection::convertInParallel(const Rows& rows, SqlRecordsetConversion& conversion)
-{
-    // Everything the workers need is fetched here, on the connection's thread.
-    conversion.resolve(rows);
-
-    QList<RecordsetConverter*> converters;
-    converters.reserve(rows.size());
-    {
-        QThreadPool pool;
-        // At most 10, and no more than the machine runs at once: more would only take turns.
-        pool.setMaxThreadCount(qMin(maxConversionThreads_, QThread::idealThreadCount()));
-        for (const QList<QVariant>& row : rows) {
-            RecordsetConverter* converter = new RecordsetConverter(row, conversion);
-            converters.append(converter);
-            pool.start(converter);
-        }
-        // The caller stays blocked; each wait ends early when the pool is done.
-        while (pool.activeThreadCount() >= 1) {
-            pool.waitForDone(100);
-        }
-        pool.waitForDone(-1);
-    }
-
-    QList<Recordset> result;
-    result.reserve(converters.size());
-    for (RecordsetConverter* converter : converters) {
-        result.append((*converter)());
-        delete converter;
-    }
-    return result;
 }
 
 QList<QVariant> SqlRecordsetDatabaseConnection::createColumnValueLists(const Recordset& recordset,

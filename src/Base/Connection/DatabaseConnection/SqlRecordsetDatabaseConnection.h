@@ -47,7 +47,6 @@ class SqlRecordsetDatabaseConnection : public QObject,
 
 public:
     static constexpr int rowCacheCapacity_ = 800000;
-    static constexpr int maxConversionThreads_ = 10;
     // At most this many values are bound to one statement.
     static constexpr int maxBindValues_ = 999;
 
@@ -131,14 +130,6 @@ private:
     // The rows of a recording, from the row cache or read and kept.
     QList<QList<QVariant>> getCachedRows(const zelmor::domain::types::RecordingId& recording,
                                          const QStringList& columns);
-    // Steps shared by the time span reads.
-    QList<zelmor::domain::types::Recordset> selectRecordsets(const QList<QList<QVariant>>& rows,
-                                                             SqlRecordsetConversion& conversion,
-                                                             const zelmor::domain::types::TimeSpan& span,
-                                                             long long maxCount);
-    // All rows on the thread pool, in row order.
-    QList<zelmor::domain::types::Recordset> convertInParallel(const QList<QList<QVariant>>& rows,
-                                                              SqlRecordsetConversion& conversion);
     // The values of an insert, those of the signals in the signals' units.
     static QList<QVariant> createColumnValueLists(const zelmor::domain::types::Recordset& recordset,
                                                   const QMap<int, zelmor::domain::types::ChamberSignal>& signalMap);
