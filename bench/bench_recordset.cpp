@@ -355,30 +355,57 @@ int run(int rows, const QString& only, const QString& folder, const QString& cat
     const QString path = QStringLiteral("%1/application_%2.sqlite3").arg(folder).arg(rows);
     const QString floorDiskPath = QStringLiteral("%1/floor_disk_%2.sqlite3").arg(folder).arg(rows);
     const QString floorMemoryPath = QStringLiteral("%1/floor_memory_%2.sqlite3").arg(folder).arg(rows);
-    if (!createApplication(path) || !createApplication(floorDiskPath) || !createApplication(floorMemoryPath)) {
+    if (!createApplication(path)) {
         out << "could not create the files" << Qt::endl;
         return 1;
     }
     out << "== " << rows << " rows of 20 signals" << Qt::endl;
 
     {
-        // (a) The rows go in through the store in any case: the reads need them.
-        Stores stores(path, catalogue);
-        if (!stores.ok) {
-            out << "could not open the stores" << Qt::endl;
-            return 1;
-        }
-        QList<Recordset> recordsets =
-            makeRecordsets(rows, stores.recordsets.getRecordingSignalsAndColumnNames(RecordingId(1)).first);
-        bool inserted = false;
-        const double store = timed([&] { inserted = stores.recordsets.addRecordsToQuery(recordsets); });
-        if (!inserted || stores.recordsets.getRecordsetLenght(1) != rows) {
-            out << "addRecordsToQuery failed" << Qt::endl;
-            return 1;
+        // (a) The rows go in through the store in any case: the reads need
+        // them. Each round writes to files of its own, fresh from the schema;
+        // the best of three counts on each side.
+        const int rounds = only.contains('a') ? 3 : 1;
+        double store = 1e300;
+        double floorDisk = 1e300;
+        double floorMemory = 1e300;
+        for (int round = 0; round < rounds; ++round) {
+            const QString storePath = round == 0 ? path : QStringLiteral("%1.%2").arg(path).arg(round);
+            if (round > 0 && !createApplication(storePath)) {
+                return 1;
+            }
+            {
+                Stores stores(storePath, catalogue);
+                if (!stores.ok) {
+                    out << "could not open the stores" << Qt::endl;
+                    return 1;
+                }
+                QList<Recordset> recordsets =
+                    makeRecordsets(rows, stores.recordsets.getRecordingSignalsAndColumnNames(RecordingId(1)).first);
+                bool inserted = false;
+                store = std::min(store, timed([&] { inserted = stores.recordsets.addRecordsToQuery(recordsets); }));
+                if (!inserted || stores.recordsets.getRecordsetLenght(1) != rows) {
+                    out << "addRecordsToQuery failed" << Qt::endl;
+                    return 1;
+                }
+            }
+            malloc_trim(0);
+            if (only.contains('a')) {
+                const QString disk = QStringLiteral("%1.%2").arg(floorDiskPath).arg(round);
+                const QString memory = QStringLiteral("%1.%2").arg(floorMemoryPath).arg(round);
+                if (!createApplication(disk) || !createApplication(memory)) {
+                    return 1;
+                }
+                floorDisk = std::min(floorDisk, floorInsert(disk, rows, "DELETE"));
+                floorMemory = std::min(floorMemory, floorInsert(memory, rows, "MEMORY"));
+                QFile::remove(disk);
+                QFile::remove(memory);
+            }
+            if (round > 0) {
+                QFile::remove(storePath);
+            }
         }
         if (only.contains('a')) {
-            const double floorDisk = floorInsert(floorDiskPath, rows, "DELETE");
-            const double floorMemory = floorInsert(floorMemoryPath, rows, "MEMORY");
             out << "(a) addRecordsToQuery: " << ms(store) << ", " << rate(rows, store) << Qt::endl;
             out << "    floor, journal on disk (as the store's transaction): " << ms(floorDisk) << ", "
                 << rate(rows, floorDisk) << "; ratio " << QString::number(store / floorDisk, 'f', 2) << Qt::endl;
@@ -423,7 +450,11 @@ int run(int rows, const QString& only, const QString& folder, const QString& cat
         rusage before{};
         rusage after{};
         getrusage(RUSAGE_SELF, &before);
-        const double first = timed([&] { count = store.getRecordsets(RecordingId(1), 0, 0, -1).size(); });
+        // What a read gives is freed outside the clock.
+        QList<Recordset> kept;
+        const double first = timed([&] { kept = store.getRecordsets(RecordingId(1), 0, 0, -1); });
+        count = kept.size();
+        kept.clear();
         getrusage(RUSAGE_SELF, &after);
         const QStringList columns = SqlRecordsetConversion::prepareColumnNames(
             store.getRecordingSignalsAndColumnNames(RecordingId(1)).second, true);
@@ -443,13 +474,15 @@ int run(int rows, const QString& only, const QString& folder, const QString& cat
         double parallelCpu = 0;
         for (int round = 0; round < (rows <= 100000 ? 3 : 1); ++round) {
             getrusage(RUSAGE_SELF, &before);
-            const double pool = timed([&] { store.getRecordsets(RecordingId(1), 0, 0, -1); });
+            const double pool = timed([&] { kept = store.getRecordsets(RecordingId(1), 0, 0, -1); });
+            kept.clear();
             getrusage(RUSAGE_SELF, &after);
             if (pool < parallel) {
                 parallel = pool;
                 parallelCpu = cpuSeconds(after) - cpuSeconds(before);
             }
-            single = std::min(single, timed([&] { store.getRecordsets(RecordingId(1), 0, 1, -1); }));
+            single = std::min(single, timed([&] { kept = store.getRecordsets(RecordingId(1), 0, 1, -1); }));
+            kept.clear();
         }
         out << "    again"
             << (rows > SqlRecordsetDatabaseConnection::rowCacheCapacity_ ? " (not cached: fetched again)" : " (cached)")
