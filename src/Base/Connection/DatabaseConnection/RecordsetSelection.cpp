@@ -116,10 +116,17 @@ QList<Recordset> RecordsetSelection::convertInParallel(const Rows& rows, SqlReco
         QThreadPool pool;
         // At most 10, and no more than the machine runs at once: more would only take turns.
         pool.setMaxThreadCount(qMin(maxConversionThreads_, QThread::idealThreadCount()));
+        // Qt 5's pool files a task by walking its queue from the front to a
+        // page (256 tasks) of the task's priority that has room: with one
+        // priority for all, each start walks past every page queued before,
+        // and the queue of a full read holds nearly all its rows. A priority
+        // that rises with each page's worth of rows ends the walk at the front.
+        // The order in which the rows are converted doesn't matter.
+        int index = 0;
         for (const QList<QVariant>& row : rows) {
             RecordsetConverter* converter = new RecordsetConverter(row, conversion);
             converters.append(converter);
-            pool.start(converter);
+            pool.start(converter, index++ / queuePage_);
         }
         // The caller stays blocked; each wait ends early when the pool is done.
         while (pool.activeThreadCount() >= 1) {

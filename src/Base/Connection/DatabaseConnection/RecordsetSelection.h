@@ -41,6 +41,10 @@ public:
     static qint64 spreadIndex(qint64 k, qint64 last, qint64 count);
 
     static constexpr int maxConversionThreads_ = 10;
+
+private:
+    // The number of tasks the framework's pool keeps together in its queue.
+    static constexpr int queuePage_ = 256;
 };
 
 } // namespace zelmor::base::connection::databaseconnection
