@@ -195,6 +195,9 @@ CREATE TABLE record_set (
     chamber_mode              INTEGER,
     FOREIGN KEY (recording_id) REFERENCES recording (id)
 );
+-- Every read of measured data picks one recording's rows; without this the
+-- whole table is scanned for each of them.
+CREATE INDEX record_set_recording_id ON record_set (recording_id);
 
 CREATE TABLE record_set_comment (
     recordset_id  INTEGER PRIMARY KEY NOT NULL UNIQUE,
