@@ -141,8 +141,11 @@ QStringList DatabaseFile::tableNames() const
 
 void DatabaseFile::close()
 {
-    if (opened_)
-        connection_.closeDatabase();
+    if (!opened_)
+        return;
+    connection_.closeDatabase();
+    // The next open registers the name afresh, without the framework's warning about a duplicate.
+    QSqlDatabase::removeDatabase(connection_.getDatabaseFilePath());
     opened_ = false;
 }
 
