@@ -2,6 +2,7 @@
 
 #include "Base/Connection/DatabaseConnection/DatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqliteConnection.h"
+#include "Domain/Api/ISqlConnection.h"
 #include "Domain/Api/ISqlQuery.h"
 #include "Domain/Types/DatabaseConnectionError.h"
 #include "support/SampleCatalogue.h"
@@ -49,6 +50,24 @@ public:
     int cutRow = -1;
 };
 
+// How a fixture wires its store to the fixture's connection, and unwires it
+// with a null connection. A store with further dependencies specialises this
+// in its test before the first fixture, giving it stores of its own:
+//
+//     template<>
+//     struct zelmor::testsupport::StoreWiring<SqlChamberDatabaseConnection>
+//     {
+//         static bool wire(SqlChamberDatabaseConnection& store, ISqlConnection* connection) { ... }
+//     };
+template<typename Store>
+struct StoreWiring
+{
+    static bool wire(Store& store, zelmor::domain::api::ISqlConnection* connection)
+    {
+        return store.setDependencies(connection);
+    }
+};
+
 // A store on its own connection to one database file, wired as the facade
 // wires it. The store's constructor takes the arguments given behind the key.
 //
@@ -64,7 +83,7 @@ struct StoreFixture
         , store(std::forward<Arguments>(arguments)...)
     {
         opened = connection.openDatabase(file, QString(), QString(), key);
-        store.setDependencies(&connection);
+        StoreWiring<Store>::wire(store, &connection);
     }
 
     static int& count()
@@ -208,7 +227,7 @@ struct FailureTable
                                         std::forward<Arguments>(arguments)...);
             QVERIFY(fixture.opened);
             if (situation == QLatin1String("unwired")) {
-                QVERIFY(!fixture.store.setDependencies(nullptr));
+                QVERIFY(!StoreWiring<Store>::wire(fixture.store, nullptr));
             }
             fixture.connection.cutWidth = cutWidth;
             fixture.connection.cutRow = cutRow;

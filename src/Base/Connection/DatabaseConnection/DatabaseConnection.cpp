@@ -1,6 +1,8 @@
 #include "Base/Connection/DatabaseConnection/DatabaseConnection.h"
 
+#include "Base/Connection/DatabaseConnection/SqlAlarmDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlCameraDatabaseConnection.h"
+#include "Base/Connection/DatabaseConnection/SqlChamberDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlConfigurationDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlProtocolDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlRoomDatabaseConnection.h"
@@ -10,8 +12,8 @@
 
 // The creation functions of the application tables are in
 // DatabaseConnectionTables.cpp, the calls passed on to each store in
-// DatabaseConnection<Store>.cpp (Camera, Configuration, Protocol, Room,
-// Settings).
+// DatabaseConnection<Store>.cpp (Alarm, Camera, Chamber, Configuration,
+// Protocol, Room, Settings).
 
 namespace zelmor::base::connection::databaseconnection {
 
@@ -23,7 +25,9 @@ using zelmor::domain::types::DatabaseConnectionError;
 
 DatabaseConnection::DatabaseConnection(bool mergeUserLevels, QObject* parent)
     : QObject(parent)
+    , alarmStore(new SqlAlarmDatabaseConnection(nullptr))
     , cameraStore(new SqlCameraDatabaseConnection(nullptr))
+    , chamberStore(new SqlChamberDatabaseConnection(nullptr))
     , configurationStore(new SqlConfigurationDatabaseConnection(nullptr))
     , protocolStore(new SqlProtocolDatabaseConnection(mergeUserLevels, nullptr))
     , roomStore(new SqlRoomDatabaseConnection(nullptr))
@@ -47,7 +51,9 @@ bool DatabaseConnection::setDependencies(ISqlConnection* applicationDatabase, IS
     // refuses: access, camera, alarm, configuration, chamber, program,
     // protocol, recording, recordset, room, settings, user.
     return cameraStore->setDependencies(applicationDatabase)
+           && alarmStore->setDependencies(applicationDatabase, configurationStore.data(), chamberStore.data())
            && configurationStore->setDependencies(configurationDatabase)
+           && chamberStore->setDependencies(applicationDatabase, configurationStore.data(), roomStore.data())
            && protocolStore->setDependencies(applicationDatabase) && roomStore->setDependencies(applicationDatabase)
            && settingsStore->setDependencies(applicationDatabase);
 }
@@ -82,7 +88,11 @@ bool DatabaseConnection::isDatabaseVersionWrong() const
 void DatabaseConnection::connectSignals()
 {
     // In the order of the stores; a second call adds no second connection.
+    connect(alarmStore.data(), &SqlAlarmDatabaseConnection::error, this, &DatabaseConnection::error,
+            Qt::UniqueConnection);
     connect(cameraStore.data(), &SqlCameraDatabaseConnection::error, this, &DatabaseConnection::error,
+            Qt::UniqueConnection);
+    connect(chamberStore.data(), &SqlChamberDatabaseConnection::error, this, &DatabaseConnection::error,
             Qt::UniqueConnection);
     connect(configurationStore.data(), &SqlConfigurationDatabaseConnection::error, this, &DatabaseConnection::error,
             Qt::UniqueConnection);
@@ -107,7 +117,8 @@ bool DatabaseConnection::initializeStores()
 {
     // In the order of the stores, stopping at the first false.
     const QList<IInitializing*> stores = {
-        cameraStore.data(), configurationStore.data(), protocolStore.data(), roomStore.data(), settingsStore.data(),
+        alarmStore.data(),    cameraStore.data(), chamberStore.data(),  configurationStore.data(),
+        protocolStore.data(), roomStore.data(),   settingsStore.data(),
     };
     for (IInitializing* store : stores) {
         if (!store->initialize()) {

@@ -2,7 +2,9 @@
 
 #include "Base/Connection/DatabaseConnection/DatabaseSchema.h"
 #include "Base/Connection/DatabaseConnection/SqlQuery.h"
+#include "Domain/Api/IAlarmDatabaseConnection.h"
 #include "Domain/Api/ICameraDatabaseConnection.h"
+#include "Domain/Api/IChamberDatabaseConnection.h"
 #include "Domain/Api/IConfigurationDatabaseConnection.h"
 #include "Domain/Api/IProtocolDatabaseConnection.h"
 #include "Domain/Api/IRoomDatabaseConnection.h"
@@ -23,7 +25,9 @@ namespace zelmor::base::connection::databaseconnection {
 
 Q_DECLARE_LOGGING_CATEGORY(DATABASECONNECTION)
 
+class SqlAlarmDatabaseConnection;
 class SqlCameraDatabaseConnection;
+class SqlChamberDatabaseConnection;
 class SqlConfigurationDatabaseConnection;
 class SqlProtocolDatabaseConnection;
 class SqlRoomDatabaseConnection;
@@ -40,7 +44,9 @@ class SqlSettingsDatabaseConnection;
 // and reads the catalogue.
 class DatabaseConnection : public QObject,
                            public DatabaseSchema,
+                           public zelmor::domain::api::IAlarmDatabaseConnection,
                            public zelmor::domain::api::ICameraDatabaseConnection,
+                           public zelmor::domain::api::IChamberDatabaseConnection,
                            public zelmor::domain::api::IConfigurationDatabaseConnection,
                            public zelmor::domain::api::IProtocolDatabaseConnection,
                            public zelmor::domain::api::IRoomDatabaseConnection,
@@ -81,11 +87,82 @@ public:
     bool createTableUserHasChamberSignalVisibilityPreference();
     bool createTableUserPreferences();
 
+    // IAlarmDatabaseConnection
+    // All alarms, each with the name of its chamber.
+    QList<zelmor::domain::types::Alarm> getAllAlarms() const override;
+    int getSignalAlarmDelay(const zelmor::domain::types::AlarmId& alarm, const zelmor::domain::types::SignalId& signal,
+                            bool second) const override;
+    bool addAlarm(zelmor::domain::types::Alarm& alarm) override;
+    bool updateAlarm(const zelmor::domain::types::Alarm& alarm) override;
+    bool deleteAlarm(const zelmor::domain::types::AlarmId& id) override;
+    QList<zelmor::domain::types::Alarm> getAlarms(const zelmor::domain::types::ChamberId& chamber) const override;
+    int countAlarms(const zelmor::domain::types::ChamberId& chamber) const override;
+
     // ICameraDatabaseConnection
     QList<zelmor::domain::types::Camera> getCameras(const zelmor::domain::types::RecordingId& recording) const override;
     bool addCamera(zelmor::domain::types::Camera& camera) override;
     bool updateCamera(const zelmor::domain::types::Camera& camera) override;
     bool deleteCamera(const zelmor::domain::types::CameraId& id) override;
+
+    // IChamberDatabaseConnection
+    bool addChamber(zelmor::domain::types::ChamberData& chamber) override;
+    QList<zelmor::domain::types::ChamberData> getAllChamberData(bool withRoomPosition) const override;
+    zelmor::domain::types::ChamberData getChamberData(const zelmor::domain::types::ChamberId& id,
+                                                      bool withRoomPosition) const override;
+    QVariant getChamberProperty(const zelmor::domain::types::ChamberId& id,
+                                const zelmor::domain::api::ChamberProperty& property) const override;
+    QMap<int, zelmor::domain::types::ChamberSignal>
+    getChamberSignals(const zelmor::domain::types::ChamberId& id) const override;
+    bool updateChamber(const zelmor::domain::types::ChamberData& chamber, bool withSubscription) override;
+    bool setChamberProperty(const zelmor::domain::types::ChamberData& chamber,
+                            const zelmor::domain::api::ChamberProperty& property) override;
+    bool setChamberProperty(const zelmor::domain::types::ChamberId& id,
+                            const zelmor::domain::api::ChamberProperty& property, const QVariant& value) override;
+    bool setChamberCustomSignalNames(zelmor::domain::types::ChamberId id,
+                                     const QMap<zelmor::domain::types::SignalId, QString>& names) override;
+    QMap<zelmor::domain::types::SignalId, QString>
+    getChamberCustomSignalNames(zelmor::domain::types::ChamberId id) override;
+    bool deleteChamber(const zelmor::domain::types::ChamberId& id) override;
+    bool archiveChamber(const zelmor::domain::types::ChamberId& id) override;
+    bool restoreChamber(const zelmor::domain::types::ChamberId& id) override;
+    QMap<zelmor::domain::types::SignalId, zelmor::domain::types::ToleranceRange>
+    getToleranceRanges(const QDateTime& time, const zelmor::domain::types::ChamberId& chamber,
+                       const QMap<int, zelmor::domain::types::ChamberSignal>& chamberSignals) override;
+    QMap<zelmor::domain::types::SignalId, zelmor::domain::types::ToleranceRange>
+    getToleranceRanges(const QDateTime& time, const zelmor::domain::types::RecordingId& recording,
+                       const QMap<int, zelmor::domain::types::ChamberSignal>& chamberSignals) override;
+    zelmor::domain::types::ToleranceRangeHistory
+    getToleranceRangeHistory(const zelmor::domain::types::RecordingId& recording,
+                             const QMap<int, zelmor::domain::types::ChamberSignal>& chamberSignals) override;
+    zelmor::domain::types::ToleranceRange getToleranceRange(const QDateTime& time,
+                                                            const zelmor::domain::types::ChamberId& chamber,
+                                                            const zelmor::domain::types::SignalId& signal) override;
+    bool setToleranceRange(const QDateTime& time, const zelmor::domain::types::ChamberId& chamber,
+                           const zelmor::domain::types::SignalId& signal,
+                           const zelmor::domain::types::ToleranceRange& range) override;
+    bool isChamberSubscribed(const zelmor::domain::types::ChamberId& id) const override;
+    QList<zelmor::domain::types::SignalId>
+    getSubscribedChamberSignals(const zelmor::domain::types::ChamberId& id) const override;
+    bool isAnyChamberSignalSubscribed(const zelmor::domain::types::ChamberId& id,
+                                      const QList<zelmor::domain::types::SignalId>& signalIds) const override;
+    bool isChamberSignalSubscribed(const zelmor::domain::types::ChamberId& id,
+                                   const zelmor::domain::types::SignalId& signal) const override;
+    bool subscribeChamber(const zelmor::domain::types::ChamberId& id) override;
+    bool unsubscribeChamber(const zelmor::domain::types::ChamberId& id) override;
+    bool bulkSubscribeChambers(const QList<zelmor::domain::types::ChamberId>& ids) override;
+    bool bulkUnsubscribeChambers(const QList<zelmor::domain::types::ChamberId>& ids) override;
+    bool subscribeChamberSignal(const zelmor::domain::types::ChamberId& id,
+                                const zelmor::domain::types::SignalId& signal) override;
+    bool unsubscribeChamberSignal(const zelmor::domain::types::ChamberId& id,
+                                  const zelmor::domain::types::SignalId& signal) override;
+    QMap<zelmor::domain::types::SignalId, int>
+    getAllChamberSignalDelaysInSeconds(const zelmor::domain::types::ChamberId& id, bool second) const override;
+    int getChamberSignalDelayInSeconds(const zelmor::domain::types::ChamberId& id,
+                                       const zelmor::domain::types::SignalId& signal, bool second) const override;
+    bool hasChamberSignalDelay(const zelmor::domain::types::ChamberId& id,
+                               const zelmor::domain::types::SignalId& signal, bool second) const override;
+    bool setChamberSignalDelay(const zelmor::domain::types::ChamberId& id,
+                               const zelmor::domain::types::SignalId& signal, bool second, int seconds) override;
 
     // IConfigurationDatabaseConnection
     QList<zelmor::domain::types::ChamberTypeData> getAllChamberTypeData(bool withSignals) const override;
@@ -204,7 +281,9 @@ private:
     // The stores, without parents, in this order: access, alarm, camera,
     // chamber, configuration, program, protocol, recording, recordset, room,
     // settings, user. The others join in their places.
+    QSharedPointer<SqlAlarmDatabaseConnection> alarmStore;
     QSharedPointer<SqlCameraDatabaseConnection> cameraStore;
+    QSharedPointer<SqlChamberDatabaseConnection> chamberStore;
     QSharedPointer<SqlConfigurationDatabaseConnection> configurationStore;
     QSharedPointer<SqlProtocolDatabaseConnection> protocolStore;
     QSharedPointer<SqlRoomDatabaseConnection> roomStore;

@@ -1,19 +1,24 @@
 #include "Base/Connection/DatabaseConnection/DatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqliteConnection.h"
 #include "Domain/Api/ISqlQuery.h"
+#include "Domain/Types/Alarm.h"
+#include "Domain/Types/AlarmId.h"
 #include "Domain/Types/BackupCleanupSettings.h"
 #include "Domain/Types/BackupScheduleConfiguration.h"
 #include "Domain/Types/Camera.h"
+#include "Domain/Types/ChamberData.h"
 #include "Domain/Types/ChamberSignal.h"
 #include "Domain/Types/ChamberTypeData.h"
 #include "Domain/Types/ChamberTypeId.h"
 #include "Domain/Types/ProtocolEntry.h"
+#include "Domain/Types/RecordingId.h"
 #include "Domain/Types/ReportConfiguration.h"
 #include "Domain/Types/Room.h"
 #include "Domain/Types/RoomPosition.h"
 #include "Domain/Types/SirenBoxNetworkConfiguration.h"
 #include "Domain/Types/SmtpConfiguration.h"
 #include "Domain/Types/TimeSpan.h"
+#include "Domain/Types/ToleranceRange.h"
 #include "Domain/Types/UserId.h"
 #include "Domain/Types/ZelmorNetworkConfiguration.h"
 #include "support/ChildRun.h"
@@ -281,6 +286,8 @@ private slots:
     void setDependencies();
     void catalogueThroughTheFacade();
     void storesThroughTheFacade();
+    void chamberStoreThroughTheFacade();
+    void alarmStoreThroughTheFacade();
 
 private:
     TestDatabase files;
@@ -752,6 +759,123 @@ void TestDatabaseConnection::storesThroughTheFacade()
     QCOMPARE(facade.getRecipientMailAddresses(), QStringList{"a@b.c"});
     QVERIFY(facade.deleteMailAddressFromRecipients("a@b.c"));
     QCOMPARE(facade.getRecipientMailAddresses(), QStringList());
+    QCOMPARE(errors.count(), 0);
+}
+
+// Every operation of the chamber store once, each written value read back
+// through the facade.
+void TestDatabaseConnection::chamberStoreThroughTheFacade()
+{
+    Setup setup(files,
+                delivered
+                    + "INSERT INTO room (id, room_name) VALUES (2, 'Lab');"
+                      "INSERT INTO chamber (id, chamber_name, chamber_type_id) VALUES (1, 'Old', 5);"
+                      "INSERT INTO recording (id, recording_name, chamber_id) VALUES (3, 'R', 1);",
+                smallCatalogue);
+    QVERIFY(setup.ok);
+    DatabaseConnection& facade = setup.facade;
+    QVERIFY(facade.initialize());
+    QSignalSpy errors(&facade, &DatabaseConnection::error);
+
+    ChamberData chamber(-1, "A", "12", ChamberTypeId(5, 0), QHostAddress("10.0.0.5"), MacAddress("00:11:22:33:44:55"),
+                        ActivationState::ACTIVE, false, QString(), QSerialPort::BaudRate(-1), QSerialPort::DataBits(-1),
+                        QSerialPort::StopBits(-1), QSerialPort::Parity(-1), 0, TLX, NO_CONVERTER, RoomPosition(),
+                        ChamberOperationMode::UNKNOWN_MODE, false);
+    QVERIFY(facade.addChamber(chamber));
+    const ChamberId id = chamber.chamberId;
+    QCOMPARE(int(id), 2);
+    QVERIFY(facade.setRoomPosition(id, RoomPosition(2, QPointF(1, 1))));
+    chamber.roomPosition = RoomPosition(2, QPointF(1, 1));
+    QCOMPARE(facade.getChamberData(id, true), chamber);
+    QCOMPARE(facade.getAllChamberData(true).value(1), chamber);
+    chamber.chamberName = "B";
+    QVERIFY(facade.updateChamber(chamber, true));
+    chamber.comPort = "COM1";
+    QVERIFY(facade.setChamberProperty(chamber, ChamberProperty::COM_PORT));
+    QVERIFY(facade.setChamberProperty(id, ChamberProperty::MODBUS_ADDRESS, 3));
+    QCOMPARE(facade.getChamberProperty(id, ChamberProperty::CHAMBER_NAME).toString(), QStringLiteral("B"));
+    QCOMPARE(facade.getChamberData(id, false).comPort + QString::number(facade.getChamberData(id, false).modbusAddress),
+             QStringLiteral("COM13"));
+    QCOMPARE(facade.getChamberSignals(id).keys(), QList<int>{7});
+    QVERIFY(facade.setChamberCustomSignalNames(id, {{7, "Moisture"}}));
+    QCOMPARE(facade.getChamberCustomSignalNames(id).value(7), QStringLiteral("Moisture"));
+    QVERIFY(facade.archiveChamber(id) && facade.getChamberData(id, false).isArchived);
+    QVERIFY(facade.restoreChamber(id) && !facade.getChamberData(id, false).isArchived);
+
+    QVERIFY(facade.subscribeChamber(id) && facade.isChamberSubscribed(id));
+    QVERIFY(facade.subscribeChamberSignal(id, 7));
+    QCOMPARE(facade.getSubscribedChamberSignals(id), QList<SignalId>{7});
+    QVERIFY(facade.isAnyChamberSignalSubscribed(id, {7, 8}) && facade.isChamberSignalSubscribed(id, 7));
+    QVERIFY(facade.unsubscribeChamberSignal(id, 7) && !facade.isChamberSignalSubscribed(id, 7));
+    QVERIFY(facade.unsubscribeChamber(id) && !facade.isChamberSubscribed(id));
+    QVERIFY(facade.bulkSubscribeChambers({1, id}) && facade.isChamberSubscribed(1));
+    QVERIFY(facade.bulkUnsubscribeChambers({1, id}) && !facade.isChamberSubscribed(1));
+
+    QVERIFY(facade.setChamberSignalDelay(id, 7, true, 60));
+    QVERIFY(facade.hasChamberSignalDelay(id, 7, true) && !facade.hasChamberSignalDelay(id, 7, false));
+    QCOMPARE(facade.getChamberSignalDelayInSeconds(id, 7, true), 60);
+    QCOMPARE(facade.getAllChamberSignalDelaysInSeconds(id, true).value(7), 60);
+
+    // The signal's unit comes from the catalogue: % r.F.
+    const QDateTime time(QDate(2024, 5, 2), QTime(8, 0), Qt::UTC);
+    const ToleranceRange range(UnitValue(Unit::RELATIVE_HUMIDITY_RF, 2.0f),
+                               UnitValue(Unit::RELATIVE_HUMIDITY_RF, 3.0f));
+    QVERIFY(facade.setToleranceRange(time, 1, 7, range));
+    QMap<int, ChamberSignal> signalMap = facade.getChamberSignals(ChamberId(1));
+    QCOMPARE(facade.getToleranceRange(time, 1, 7), range);
+    QCOMPARE(facade.getToleranceRanges(time, ChamberId(1), signalMap).value(7), range);
+    QCOMPARE(facade.getToleranceRanges(time, RecordingId(3), signalMap).value(7), range);
+    QCOMPARE(facade.getToleranceRangeHistory(RecordingId(3), signalMap).value(7).value(time), range);
+
+    QVERIFY(facade.setRoomPosition(id, RoomPosition()));
+    QVERIFY(facade.deleteChamber(id));
+    QCOMPARE(facade.getAllChamberData(false).size(), 1);
+    QCOMPARE(errors.count(), 0);
+}
+
+// Every operation of the alarm store once, and the facade's own getAllAlarms
+// with the chambers' names.
+void TestDatabaseConnection::alarmStoreThroughTheFacade()
+{
+    // Signal 7 of type 5 has the defaults 300 s and 15 min.
+    Setup setup(files,
+                delivered
+                    + "INSERT INTO chamber (id, chamber_name, chamber_type_id) VALUES (1, 'Alpha', 5), (2, 'Beta', 5);",
+                smallCatalogue
+                    + "INSERT INTO tolerance_range VALUES (1, 'Humidity', 7, 7, 1.0, 1.0, 300, 15);"
+                      "INSERT INTO chamber_type_has_tolerance_range VALUES (5, 1);");
+    QVERIFY(setup.ok);
+    DatabaseConnection& facade = setup.facade;
+    QVERIFY(facade.initialize());
+    QSignalSpy errors(&facade, &DatabaseConnection::error);
+
+    const QDateTime time(QDate(2024, 5, 2), QTime(8, 0), Qt::UTC);
+    const auto alarmOn = [&time](const ChamberId& chamber, const QString& name) {
+        return Alarm(0, time, AlarmType::TOLERANCE_RANGE_VIOLATION, true, AlarmStatus::PRE_ALARM, 0, name,
+                     ShortDescription("%1 too high", {"Humidity"}), QString(), chamber, QString(), {7}, {});
+    };
+    Alarm onBeta = alarmOn(2, "b");
+    Alarm onAlpha = alarmOn(1, "a");
+    Alarm onNone = alarmOn(-1, "n");
+    QVERIFY(facade.addAlarm(onBeta) && facade.addAlarm(onAlpha) && facade.addAlarm(onNone));
+    QStringList names;
+    for (const Alarm& alarm : facade.getAllAlarms())
+        names.append(alarm.alarmName + ':' + alarm.chamberName);
+    QCOMPARE(names, (QStringList{"b:Beta", "a:Alpha", "n:"}));
+    QCOMPARE(facade.getAlarms(2).value(0).signalIds, QList<SignalId>{7});
+    QCOMPARE(facade.countAlarms(1), 1);
+
+    // The type's default, until the chamber has its own in the other column.
+    QCOMPARE(facade.getSignalAlarmDelay(onBeta.id, 7, false), 300);
+    QVERIFY(facade.setChamberSignalDelay(2, 7, true, 42));
+    QCOMPARE(facade.getSignalAlarmDelay(onBeta.id, 7, false), 42);
+    QCOMPARE(facade.getSignalAlarmDelay(onBeta.id, 7, true), 900);
+
+    onBeta.status = AlarmStatus::ACKNOWLEDGED;
+    QVERIFY(facade.updateAlarm(onBeta));
+    QCOMPARE(facade.getAlarms(2).value(0).status, AlarmStatus::ACKNOWLEDGED);
+    QVERIFY(facade.deleteAlarm(onNone.id));
+    QCOMPARE(facade.getAllAlarms().size(), 2);
     QCOMPARE(errors.count(), 0);
 }
 
