@@ -1,8 +1,10 @@
 #include "Tools/DatabaseTool/DatabaseTool.h"
 
+#include "Tools/DatabaseTool/AddChambersCommand.h"
 #include "Tools/DatabaseTool/CheckCommand.h"
 #include "Tools/DatabaseTool/CommandLine.h"
 #include "Tools/DatabaseTool/CreateCommand.h"
+#include "Tools/DatabaseTool/ListingCommands.h"
 #include "Tools/DatabaseTool/MessageCollector.h"
 #include "Tools/DatabaseTool/ToolContext.h"
 
@@ -21,6 +23,8 @@ Run commandRun(const QString& name)
     static const QMap<QString, Run> runs = {
         {QStringLiteral("create"), &CreateCommand::run},
         {QStringLiteral("check"), &CheckCommand::run},
+        {QStringLiteral("add-chambers"), &AddChambersCommand::run},
+        {QStringLiteral("chambers"), &ListingCommands::chambers},
     };
     return runs.value(name);
 }

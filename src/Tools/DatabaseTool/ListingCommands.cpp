@@ -1,0 +1,131 @@
+#include "Tools/DatabaseTool/ListingCommands.h"
+
+#include "Domain/Types/ChamberData.h"
+#include "Tools/DatabaseTool/OutputTable.h"
+#include "Tools/DatabaseTool/ToolContext.h"
+#include "Tools/DatabaseTool/ToolDatabase.h"
+
+#include <QJsonValue>
+#include <QTextStream>
+
+namespace zelmor::tools::databasetool {
+
+using zelmor::domain::types::ChamberData;
+namespace types = zelmor::domain::types;
+
+namespace {
+
+// NULL for the "none" of a number.
+QJsonValue numberOrNull(qint64 value, qint64 none)
+{
+    return value == none ? QJsonValue() : QJsonValue(double(value));
+}
+
+QJsonValue textOrNull(const QString& text)
+{
+    return text.isEmpty() ? QJsonValue() : QJsonValue(text);
+}
+
+QJsonValue activation(types::ActivationState::State state)
+{
+    return state == types::ActivationState::UNKNOWN_STATE ? QJsonValue()
+                                                          : QJsonValue(state == types::ActivationState::ACTIVE);
+}
+
+} // namespace
+
+QString ListingCommands::protocolName(int protocol)
+{
+    switch (protocol) {
+    case types::MODBUS_RTU:
+        return QStringLiteral("Modbus RTU");
+    case types::MODBUS_RTU_TUNNEL:
+        return QStringLiteral("Modbus RTU over TCP");
+    case types::MODBUS_TCP:
+        return QStringLiteral("Modbus TCP");
+    case types::TLX:
+        return QStringLiteral("TLX");
+    case types::VACUUBRAND:
+        return QStringLiteral("Vacuubrand");
+    case types::UNKNOWN_PROTOCOL:
+        return QString();
+    default:
+        return QString::number(protocol);
+    }
+}
+
+QString ListingCommands::converterName(int converter)
+{
+    switch (converter) {
+    case types::NO_CONVERTER:
+        return QString();
+    case types::XPORT_CONVERTER:
+        return QStringLiteral("XPort");
+    case types::WUT_CONVERTER:
+        return QStringLiteral("W&T");
+    default:
+        return QString::number(converter);
+    }
+}
+
+CommandOutcome ListingCommands::print(const ToolContext& context, ToolDatabase& database, const OutputTable& table,
+                                      const QString& what)
+{
+    if (database.hasErrors())
+        return CommandOutcome::failure(COMMAND_FAILED,
+                                       context.file() + QStringLiteral(": the %1 can't be read").arg(what));
+    context.out << (context.line.isSet(QStringLiteral("--json")) ? table.toJson() : table.toText());
+    return CommandOutcome::success();
+}
+
+CommandOutcome ListingCommands::chambers(const ToolContext& context)
+{
+    ToolDatabase database(context.key(), context.line.value(QStringLiteral("--catalogue")));
+    const CommandOutcome outcome =
+        database.open(context.file(), context.file(), DatabaseFile::READ_ONLY, ToolDatabase::WITHOUT_CATALOGUE);
+    if (!outcome.isSuccess())
+        return outcome;
+    const bool json = context.line.isSet(QStringLiteral("--json"));
+    // A person gets what tells the chambers apart; a script gets every column.
+    QList<OutputTable::Column> columns = {{"id", "ID"},
+                                          {"name", "NAME"},
+                                          {"typeId", "TYPE"},
+                                          {"additionalInfoId", "VARIANT"},
+                                          {"serialNumber", "SERIAL"},
+                                          {"ipAddress", "ADDRESS"},
+                                          {"macAddress", "MAC"},
+                                          {"modbusAddress", "MODBUS"},
+                                          {"protocol", "PROTOCOL"},
+                                          {"converter", "CONVERTER"},
+                                          {"isActive", "ACTIVE"},
+                                          {"isSubscribed", "SUBSCRIBED"},
+                                          {"isArchived", "ARCHIVED"}};
+    if (json)
+        columns += {{"comPort", ""}, {"baudRate", ""}, {"dataBits", ""}, {"stopBits", ""}, {"parity", ""}};
+    OutputTable table(columns);
+    for (const ChamberData& chamber : database.facade().getAllChamberData(false)) {
+        QList<QJsonValue> cells = {
+            int(chamber.chamberId),
+            chamber.chamberName,
+            double(chamber.chamberTypeId.typeId),
+            double(chamber.chamberTypeId.additionalInfoId),
+            textOrNull(chamber.serialNumber),
+            chamber.ipAddress.isNull() ? QJsonValue() : QJsonValue(chamber.ipAddress.toString()),
+            chamber.macAddress.isValid() ? QJsonValue(chamber.macAddress.toString()) : QJsonValue(),
+            int(chamber.modbusAddress),
+            json ? QJsonValue(int(chamber.protocol)) : QJsonValue(protocolName(chamber.protocol)),
+            json ? QJsonValue(int(chamber.converter)) : QJsonValue(converterName(chamber.converter)),
+            activation(chamber.activationState),
+            chamber.isSubscribed,
+            chamber.isArchived,
+        };
+        if (json)
+            cells +=
+                {textOrNull(chamber.comPort), numberOrNull(chamber.baudRate, -1), numberOrNull(chamber.dataBits, -1),
+                 numberOrNull(chamber.stopBits, -1), numberOrNull(chamber.parity, -1)};
+        table.addRow(cells);
+    }
+    return print(context, database, table, QStringLiteral("chambers"));
+}
+
+} // namespace zelmor::tools::databasetool
