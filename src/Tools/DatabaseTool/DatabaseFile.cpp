@@ -118,10 +118,11 @@ CommandOutcome DatabaseFile::checkIntegrity()
 {
     QSqlQuery query(connection_.getDatabase());
     if (!query.exec(QStringLiteral("PRAGMA integrity_check")))
-        return failure(DAMAGED, QStringLiteral("integrity_check fails: ") + query.lastError().databaseText());
+        return failure(DAMAGED,
+                       QStringLiteral("is damaged: integrity_check stops (%1)").arg(query.lastError().databaseText()));
     QStringList faults;
     while (query.next())
-        faults.append(query.value(0).toString());
+        faults.append(query.value(0).toString().simplified());
     if (faults == QStringList{QStringLiteral("ok")})
         return CommandOutcome::success();
     const int count = faults.size();
