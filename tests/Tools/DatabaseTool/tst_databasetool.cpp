@@ -94,6 +94,7 @@ private slots:
     void addChambersBadInput_data();
     void addChambersBadInput();
     void addChambersAllOrNothing();
+    void readingWritesNothing();
     void usage_data();
     void usage();
 
@@ -529,6 +530,34 @@ void TestDatabaseTool::addChambersAllOrNothing()
     QCOMPARE(fileBytes(path), before);
     QCOMPARE(shell(path, "SELECT count(*) FROM chamber;"), QString("0"));
     QCOMPARE(entries(files.filePath(QString())), around);
+}
+
+// Not a byte, not a journal, not the time of the last change: the commands
+// that read open the file so that the engine refuses to write.
+void TestDatabaseTool::readingWritesNothing()
+{
+    QTemporaryDir work;
+    const QString path = work.filePath("app.sqlite3");
+    QVERIFY(QFile::copy(delivered(), path));
+    const QString extract = work.filePath("fleet.sql");
+    QVERIFY(writeFile(extract, fleetExtract.toUtf8()));
+    QCOMPARE(DatabaseToolRun::start({"add-chambers", path, extract}).exitCode, 0);
+    {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QVERIFY(
+            file.setFileTime(QDateTime(QDate(2020, 1, 1), QTime(12, 0), Qt::UTC), QFileDevice::FileModificationTime));
+    }
+    const QByteArray before = fileBytes(path);
+    const QStringList commands[] = {
+        {"chambers", path}, {"chambers", path, "--json"}, {"check", path, "--catalogue", catalogue}};
+    for (const QStringList& command : commands) {
+        const DatabaseToolRun run = DatabaseToolRun::start(command);
+        QVERIFY2(run.exitCode == 0, run.said().constData());
+        QCOMPARE(fileBytes(path), before);
+        QCOMPARE(QFileInfo(path).lastModified(), QDateTime(QDate(2020, 1, 1), QTime(12, 0), Qt::UTC));
+        QCOMPARE(entries(work.path()), QStringList({"app.sqlite3", "fleet.sql"}));
+    }
 }
 
 void TestDatabaseTool::usage_data()
