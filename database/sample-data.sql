@@ -736,4 +736,6 @@ INSERT INTO activity_access VALUES
     -- siren box
     (12, 1, 4), (12, 2, 4), (12, 3, 3), (12, 4, 3),
     -- siren desk
-    (13, 1, 4), (13, 2, 4), (13, 3, 3), (13, 4, 3);
+    (13, 1, 4), (13, 2, 4), (13, 3, 3), (13, 4, 3),
+    -- the screens' own activities (component 255), numbered from 0
+    (255, 0, 3), (255, 4, 3), (255, 17, 1), (255, 73, 4);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Base/Connection/DatabaseConnection/DatabaseConnection.h"
+#include "Base/Connection/DatabaseConnection/SqlConfigurationDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqliteConnection.h"
 #include "Domain/Api/ISqlConnection.h"
 #include "Domain/Api/ISqlQuery.h"
@@ -50,19 +51,20 @@ public:
     int cutRow = -1;
 };
 
-// How a fixture wires its store to the fixture's connection, and unwires it
-// with a null connection. A store with further dependencies specialises this
-// in its test before the first fixture, giving it stores of its own:
+// How a fixture wires its store to the fixture's connection: as the facade
+// wires a store whose only dependency is its database. A store with further
+// dependencies gets a specialisation in its test, which owns what the store
+// needs besides the connection:
 //
 //     template<>
-//     struct zelmor::testsupport::StoreWiring<SqlChamberDatabaseConnection>
+//     struct StoreWiring<SqlUserDatabaseConnection>
 //     {
-//         static bool wire(SqlChamberDatabaseConnection& store, ISqlConnection* connection) { ... }
+//         bool wire(SqlUserDatabaseConnection& store, ISqlConnection* connection) { ... }
 //     };
 template<typename Store>
 struct StoreWiring
 {
-    static bool wire(Store& store, zelmor::domain::api::ISqlConnection* connection)
+    bool wire(Store& store, zelmor::domain::api::ISqlConnection* connection)
     {
         return store.setDependencies(connection);
     }
@@ -83,7 +85,7 @@ struct StoreFixture
         , store(std::forward<Arguments>(arguments)...)
     {
         opened = connection.openDatabase(file, QString(), QString(), key);
-        StoreWiring<Store>::wire(store, &connection);
+        wiring.wire(store, &connection);
     }
 
     static int& count()
@@ -92,7 +94,49 @@ struct StoreFixture
         return value;
     }
 
+    // False: the store can't be wired to nothing.
+    bool unwire() { return wiring.wire(store, nullptr); }
+
     CuttingConnection connection;
+    Store store;
+    StoreWiring<Store> wiring;
+    bool opened = false;
+};
+
+// A store that reads the catalogue as well: its own connection to one file,
+// and a catalogue store on the file that cataloguePath() names, wired as the
+// facade wires them. Set the catalogue once, in initTestCase.
+//
+//     CatalogueStoreFixture<SqlProgramDatabaseConnection>::cataloguePath() = createSampleCatalogue(database);
+//     CatalogueStoreFixture<SqlProgramDatabaseConnection> fixture(path);
+template<typename Store>
+struct CatalogueStoreFixture
+{
+    template<typename... Arguments>
+    explicit CatalogueStoreFixture(const QString& file, const QString& key = QLatin1String(TestDatabase::projectKey_),
+                                   Arguments&&... arguments)
+        : connection(QStringLiteral("catalogue_store_fixture_%1").arg(++StoreFixture<Store>::count()))
+        , catalogueConnection(QStringLiteral("catalogue_store_fixture_%1").arg(++StoreFixture<Store>::count()))
+        , store(std::forward<Arguments>(arguments)...)
+    {
+        opened = connection.openDatabase(file, QString(), QString(), key)
+                 && catalogueConnection.openDatabase(cataloguePath(), QString(), QString(),
+                                                     QLatin1String(TestDatabase::projectKey_));
+        configuration.setDependencies(&catalogueConnection);
+        store.setDependencies(&connection, &configuration);
+    }
+
+    static QString& cataloguePath()
+    {
+        static QString path;
+        return path;
+    }
+
+    bool unwire() { return store.setDependencies(nullptr, nullptr); }
+
+    CuttingConnection connection;
+    zelmor::base::connection::databaseconnection::SqliteConnection catalogueConnection;
+    zelmor::base::connection::databaseconnection::SqlConfigurationDatabaseConnection configuration;
     Store store;
     bool opened = false;
 };
@@ -184,7 +228,8 @@ private:
 // - any other: the file as it is, rows of cutWidth columns coming a column
 //   short (all of them, or only the one at check's cutRow).
 // A test declares Q_DECLARE_METATYPE(FailureTable<Store>::Operation) first.
-template<typename Store>
+// A store that reads the catalogue runs in a CatalogueStoreFixture.
+template<typename Store, typename Fixture = StoreFixture<Store>>
 struct FailureTable
 {
     using Operation = std::function<QString(Store&)>;
@@ -220,14 +265,13 @@ struct FailureTable
         const QString dump = ApplicationFiles::shell(path, QStringLiteral(".dump"));
         const QByteArray bytes = fileBytes(path);
         {
-            StoreFixture<Store> fixture(path,
-                                        situation == QLatin1String("wrong key")
-                                            ? QStringLiteral("ffeeddccbbaa99887766554433221100")
-                                            : QLatin1String(TestDatabase::projectKey_),
-                                        std::forward<Arguments>(arguments)...);
+            Fixture fixture(path,
+                            situation == QLatin1String("wrong key") ? QStringLiteral("ffeeddccbbaa99887766554433221100")
+                                                                    : QLatin1String(TestDatabase::projectKey_),
+                            std::forward<Arguments>(arguments)...);
             QVERIFY(fixture.opened);
             if (situation == QLatin1String("unwired")) {
-                QVERIFY(!StoreWiring<Store>::wire(fixture.store, nullptr));
+                QVERIFY(!fixture.unwire());
             }
             fixture.connection.cutWidth = cutWidth;
             fixture.connection.cutRow = cutRow;

@@ -1,19 +1,22 @@
 #include "Base/Connection/DatabaseConnection/DatabaseConnection.h"
 
+#include "Base/Connection/DatabaseConnection/SqlAccessDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlAlarmDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlCameraDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlChamberDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlConfigurationDatabaseConnection.h"
+#include "Base/Connection/DatabaseConnection/SqlProgramDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlProtocolDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlRoomDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlSettingsDatabaseConnection.h"
+#include "Base/Connection/DatabaseConnection/SqlUserDatabaseConnection.h"
 #include "Domain/Api/IInitializing.h"
 #include "Domain/Api/ISqlConnection.h"
 
 // The creation functions of the application tables are in
 // DatabaseConnectionTables.cpp, the calls passed on to each store in
-// DatabaseConnection<Store>.cpp (Alarm, Camera, Chamber, Configuration,
-// Protocol, Room, Settings).
+// DatabaseConnection<Store>.cpp (Access, Alarm, Camera, Chamber,
+// Configuration, Program, Protocol, Room, Settings, User).
 
 namespace zelmor::base::connection::databaseconnection {
 
@@ -25,13 +28,16 @@ using zelmor::domain::types::DatabaseConnectionError;
 
 DatabaseConnection::DatabaseConnection(bool mergeUserLevels, QObject* parent)
     : QObject(parent)
+    , accessStore(new SqlAccessDatabaseConnection(nullptr))
     , alarmStore(new SqlAlarmDatabaseConnection(nullptr))
     , cameraStore(new SqlCameraDatabaseConnection(nullptr))
     , chamberStore(new SqlChamberDatabaseConnection(nullptr))
     , configurationStore(new SqlConfigurationDatabaseConnection(nullptr))
+    , programStore(new SqlProgramDatabaseConnection(nullptr))
     , protocolStore(new SqlProtocolDatabaseConnection(mergeUserLevels, nullptr))
     , roomStore(new SqlRoomDatabaseConnection(nullptr))
     , settingsStore(new SqlSettingsDatabaseConnection(nullptr))
+    , userStore(new SqlUserDatabaseConnection(mergeUserLevels, nullptr))
     , mergeUserLevels(mergeUserLevels)
 {
     // Early, so that a store used before initialize() reports through the facade too.
@@ -50,12 +56,14 @@ bool DatabaseConnection::setDependencies(ISqlConnection* applicationDatabase, IS
     // Store by store in this order, stopping the wiring at the first that
     // refuses: access, camera, alarm, configuration, chamber, program,
     // protocol, recording, recordset, room, settings, user.
-    return cameraStore->setDependencies(applicationDatabase)
+    return accessStore->setDependencies(configurationDatabase) && cameraStore->setDependencies(applicationDatabase)
            && alarmStore->setDependencies(applicationDatabase, configurationStore.data(), chamberStore.data())
            && configurationStore->setDependencies(configurationDatabase)
            && chamberStore->setDependencies(applicationDatabase, configurationStore.data(), roomStore.data())
+           && programStore->setDependencies(applicationDatabase, configurationStore.data())
            && protocolStore->setDependencies(applicationDatabase) && roomStore->setDependencies(applicationDatabase)
-           && settingsStore->setDependencies(applicationDatabase);
+           && settingsStore->setDependencies(applicationDatabase)
+           && userStore->setDependencies(applicationDatabase, configurationStore.data(), protocolStore.data());
 }
 
 bool DatabaseConnection::areDependenciesSet() const
@@ -88,6 +96,8 @@ bool DatabaseConnection::isDatabaseVersionWrong() const
 void DatabaseConnection::connectSignals()
 {
     // In the order of the stores; a second call adds no second connection.
+    connect(accessStore.data(), &SqlAccessDatabaseConnection::error, this, &DatabaseConnection::error,
+            Qt::UniqueConnection);
     connect(alarmStore.data(), &SqlAlarmDatabaseConnection::error, this, &DatabaseConnection::error,
             Qt::UniqueConnection);
     connect(cameraStore.data(), &SqlCameraDatabaseConnection::error, this, &DatabaseConnection::error,
@@ -96,11 +106,15 @@ void DatabaseConnection::connectSignals()
             Qt::UniqueConnection);
     connect(configurationStore.data(), &SqlConfigurationDatabaseConnection::error, this, &DatabaseConnection::error,
             Qt::UniqueConnection);
+    connect(programStore.data(), &SqlProgramDatabaseConnection::error, this, &DatabaseConnection::error,
+            Qt::UniqueConnection);
     connect(protocolStore.data(), &SqlProtocolDatabaseConnection::error, this, &DatabaseConnection::error,
             Qt::UniqueConnection);
     connect(roomStore.data(), &SqlRoomDatabaseConnection::error, this, &DatabaseConnection::error,
             Qt::UniqueConnection);
     connect(settingsStore.data(), &SqlSettingsDatabaseConnection::error, this, &DatabaseConnection::error,
+            Qt::UniqueConnection);
+    connect(userStore.data(), &SqlUserDatabaseConnection::error, this, &DatabaseConnection::error,
             Qt::UniqueConnection);
 }
 
@@ -117,8 +131,8 @@ bool DatabaseConnection::initializeStores()
 {
     // In the order of the stores, stopping at the first false.
     const QList<IInitializing*> stores = {
-        alarmStore.data(),    cameraStore.data(), chamberStore.data(),  configurationStore.data(),
-        protocolStore.data(), roomStore.data(),   settingsStore.data(),
+        accessStore.data(),  alarmStore.data(),    cameraStore.data(), chamberStore.data(),  configurationStore.data(),
+        programStore.data(), protocolStore.data(), roomStore.data(),   settingsStore.data(), userStore.data(),
     };
     for (IInitializing* store : stores) {
         if (!store->initialize()) {

@@ -2,13 +2,16 @@
 
 #include "Base/Connection/DatabaseConnection/DatabaseSchema.h"
 #include "Base/Connection/DatabaseConnection/SqlQuery.h"
+#include "Domain/Api/IAccessDatabaseConnection.h"
 #include "Domain/Api/IAlarmDatabaseConnection.h"
 #include "Domain/Api/ICameraDatabaseConnection.h"
 #include "Domain/Api/IChamberDatabaseConnection.h"
 #include "Domain/Api/IConfigurationDatabaseConnection.h"
+#include "Domain/Api/IProgramDatabaseConnection.h"
 #include "Domain/Api/IProtocolDatabaseConnection.h"
 #include "Domain/Api/IRoomDatabaseConnection.h"
 #include "Domain/Api/ISettingsDatabaseConnection.h"
+#include "Domain/Api/IUserDatabaseConnection.h"
 #include "Domain/Types/DatabaseConnectionError.h"
 
 #include <QList>
@@ -25,13 +28,16 @@ namespace zelmor::base::connection::databaseconnection {
 
 Q_DECLARE_LOGGING_CATEGORY(DATABASECONNECTION)
 
+class SqlAccessDatabaseConnection;
 class SqlAlarmDatabaseConnection;
 class SqlCameraDatabaseConnection;
 class SqlChamberDatabaseConnection;
 class SqlConfigurationDatabaseConnection;
+class SqlProgramDatabaseConnection;
 class SqlProtocolDatabaseConnection;
 class SqlRoomDatabaseConnection;
 class SqlSettingsDatabaseConnection;
+class SqlUserDatabaseConnection;
 
 // The one object through which the system reaches its persistent data: it owns
 // the stores, wires them to the two databases, checks the schema version and
@@ -44,13 +50,16 @@ class SqlSettingsDatabaseConnection;
 // and reads the catalogue.
 class DatabaseConnection : public QObject,
                            public DatabaseSchema,
+                           public zelmor::domain::api::IAccessDatabaseConnection,
                            public zelmor::domain::api::IAlarmDatabaseConnection,
                            public zelmor::domain::api::ICameraDatabaseConnection,
                            public zelmor::domain::api::IChamberDatabaseConnection,
                            public zelmor::domain::api::IConfigurationDatabaseConnection,
+                           public zelmor::domain::api::IProgramDatabaseConnection,
                            public zelmor::domain::api::IProtocolDatabaseConnection,
                            public zelmor::domain::api::IRoomDatabaseConnection,
-                           public zelmor::domain::api::ISettingsDatabaseConnection
+                           public zelmor::domain::api::ISettingsDatabaseConnection,
+                           public zelmor::domain::api::IUserDatabaseConnection
 {
     Q_OBJECT
 
@@ -86,6 +95,12 @@ public:
     bool createTableUser();
     bool createTableUserHasChamberSignalVisibilityPreference();
     bool createTableUserPreferences();
+
+    // IAccessDatabaseConnection
+    zelmor::domain::types::UserLevel
+    getRequiredUserLevel(const zelmor::domain::types::ActivityId& activity) const override;
+    QList<zelmor::domain::types::ActivityId>
+    getGrantedActivities(zelmor::domain::types::UserLevel level) const override;
 
     // IAlarmDatabaseConnection
     // All alarms, each with the name of its chamber.
@@ -191,6 +206,70 @@ public:
                               const zelmor::domain::types::SignalId& signalId, bool second) const override;
     zelmor::domain::types::Unit::UnitId getSignalUnitId(const zelmor::domain::types::SignalId& id) const override;
 
+    // IProgramDatabaseConnection
+    QList<zelmor::domain::types::ProgramData> getAllPrograms() const override;
+    zelmor::domain::types::ProgramData getProgram(const zelmor::domain::types::ProgramId& id) const override;
+    QString getProgramName(const zelmor::domain::types::ProgramId& id) const override;
+    bool getProgramStateEdited(const zelmor::domain::types::ProgramId& id) const override;
+    zelmor::domain::types::UserId getProgramUserId(const zelmor::domain::types::ProgramId& id) const override;
+    zelmor::domain::types::ChamberTypeId
+    getProgramChamberTypeId(const zelmor::domain::types::ProgramId& id) const override;
+    zelmor::domain::types::ProgramData::Type getProgramType(const zelmor::domain::types::ProgramId& id) const override;
+    bool exportProgram(const zelmor::domain::types::ProgramId& id, const QUrl& file) const override;
+    zelmor::domain::types::ProgramId importProgram(const QUrl& file,
+                                                   const zelmor::domain::types::UserId& user) override;
+    bool addProgram(zelmor::domain::types::ProgramData& program) override;
+    bool deleteProgram(const zelmor::domain::types::ProgramId& id) override;
+    bool updateProgram(const zelmor::domain::types::ProgramData& program) override;
+    bool updateProgramName(const zelmor::domain::types::ProgramId& id, QString name) override;
+    zelmor::domain::types::ProgramId findProgramByName(const QString& name) const override;
+    bool isProgramIdValid(const zelmor::domain::types::ProgramId& id) const override;
+    bool hasSubPrograms(const zelmor::domain::types::ProgramId& id) const override;
+    bool containsProgramStepRepetitions(const zelmor::domain::types::ProgramStepRepetition& repetition) const override;
+    bool addProgramStep(zelmor::domain::types::ProgramStep& step) override;
+    bool updateProgramSteps(const zelmor::domain::types::ProgramId& program,
+                            QList<zelmor::domain::types::ProgramStep>& steps) override;
+    QList<zelmor::domain::types::ProgramStep>
+    getProgramSteps(const zelmor::domain::types::ProgramId& program) const override;
+    bool addProgramStepRepetition(zelmor::domain::types::ProgramStepRepetition& repetition) override;
+    bool updateProgramStepRepetitions(const zelmor::domain::types::ProgramId& program,
+                                      QList<zelmor::domain::types::ProgramStepRepetition>& repetitions) override;
+    bool deleteProgramStepRepetition(const zelmor::domain::types::ProgramStepRepetitionId& id) override;
+    bool updateProgramStepRepetition(const zelmor::domain::types::ProgramStepRepetition& repetition) override;
+    QList<zelmor::domain::types::ProgramStepRepetition>
+    getProgramStepRepetitions(const zelmor::domain::types::ProgramId& program) const override;
+    zelmor::domain::types::ProgramStepRepetition
+    getProgramStepRepetition(const zelmor::domain::types::ProgramSectionId& startStep,
+                             const zelmor::domain::types::ProgramSectionId& endStep) const override;
+    QVariant getProgramProperty(const zelmor::domain::types::ProgramId& id,
+                                zelmor::domain::api::ProgramProperty property) const override;
+    bool updateProgramProperty(const zelmor::domain::types::ProgramId& id,
+                               zelmor::domain::api::ProgramProperty property, const QVariant& value) override;
+    bool addSection(zelmor::domain::types::ProgramSection& section) override;
+    bool updateSection(zelmor::domain::types::ProgramSection& section) override;
+    bool addSetpoints(const zelmor::domain::types::ProgramSectionId& section,
+                      const QList<zelmor::domain::types::SignalValuePair>& setpoints) override;
+    bool updateProgramStep(const zelmor::domain::types::ProgramStep& step) override;
+    bool deleteProgramStep(const zelmor::domain::types::ProgramStepId& id) override;
+    bool deleteProgramSteps(const zelmor::domain::types::ProgramId& program) override;
+    bool deleteUnusedProgramSteps(const zelmor::domain::types::ProgramId& program,
+                                  const QList<zelmor::domain::types::ProgramStep>& steps) override;
+    bool
+    deleteUnusedProgramStepRepetitions(const zelmor::domain::types::ProgramId& program,
+                                       const QList<zelmor::domain::types::ProgramStepRepetition>& repetitions) override;
+    bool deleteProgramSection(const zelmor::domain::types::ProgramSectionId& id) override;
+    bool deleteProgramSections(const zelmor::domain::types::ProgramId& program) override;
+    bool deleteProgramSectionSetpoints(const zelmor::domain::types::ProgramSectionId& section) override;
+    bool deleteProgramSetpoints(const zelmor::domain::types::ProgramId& program) override;
+    zelmor::domain::types::ProgramSectionId
+    getProgramSectionId(const zelmor::domain::types::ProgramStepId& step) const override;
+    QVariant getProgramStepPropertyValue(const zelmor::domain::types::ProgramStepId& step,
+                                         zelmor::domain::api::ProgramStepProperty property) const override;
+    zelmor::domain::types::ProgramSection
+    getProgramSection(const zelmor::domain::types::ProgramSectionId& id) const override;
+    QList<zelmor::domain::types::SignalValuePair>
+    getProgramSectionSetpoints(const zelmor::domain::types::ProgramSectionId& section) const override;
+
     // IProtocolDatabaseConnection
     bool addProtocolEntry(const zelmor::domain::types::ProtocolEntry& entry) override;
     QList<zelmor::domain::types::ProtocolEntry>
@@ -262,6 +341,45 @@ public:
     bool addMailAddressToRecipients(const QString& address) override;
     bool deleteMailAddressFromRecipients(const QString& address) override;
 
+    // IUserDatabaseConnection
+    QList<QSharedPointer<zelmor::domain::types::UserData>> getAllUserData() const override;
+    QSharedPointer<zelmor::domain::types::UserData> getUserData(const zelmor::domain::types::UserId& id) const override;
+    QSharedPointer<zelmor::domain::types::UserData> getUserDataByName(const QString& loginName) const override;
+    QList<zelmor::domain::types::SecurityQuestionAnswer>
+    getUserSecurityQuestionAnswers(const zelmor::domain::types::UserId& id) const override;
+    QSharedPointer<zelmor::domain::types::UserPreferences>
+    getUserPreferences(const zelmor::domain::types::UserId& id) const override;
+    QStringList getAllUserNames() const override;
+    QString getUserName(const zelmor::domain::types::UserId& id) const override;
+    QList<zelmor::domain::types::ChamberSignal>
+    getVisibleChamberSignals(const zelmor::domain::types::UserId& user,
+                             const zelmor::domain::types::ChamberId& chamber) const override;
+    bool setVisibleChamberSignals(const QList<zelmor::domain::types::SignalId>& signalIds,
+                                  const zelmor::domain::types::UserId& user,
+                                  const zelmor::domain::types::ChamberId& chamber) override;
+    QVariant getUserPropertyValue(const zelmor::domain::types::UserId& id,
+                                  zelmor::domain::api::UserProperty property) const override;
+    QVariant getUserPreferencesPropertyValue(const zelmor::domain::types::UserId& id,
+                                             zelmor::domain::api::UserPreferencesProperty property) const override;
+    bool addUser(zelmor::domain::types::UserData& user) override;
+    bool setUserSecurityQuestionAnswers(const zelmor::domain::types::UserId& id,
+                                        const QList<zelmor::domain::types::SecurityQuestionAnswer>& answers) override;
+    bool addUserPreferences(const zelmor::domain::types::UserId& id,
+                            const zelmor::domain::types::UserPreferences& preferences) override;
+    bool updateUserPreferences(const zelmor::domain::types::UserId& id,
+                               const zelmor::domain::types::UserPreferences& preferences) override;
+    bool updateUser(const zelmor::domain::types::UserData& user) override;
+    bool setUserPropertyValue(const zelmor::domain::types::UserId& id, zelmor::domain::api::UserProperty property,
+                              const QVariant& value) override;
+    bool deleteUser(const zelmor::domain::types::UserId& id) override;
+    bool showChamberSignal(const zelmor::domain::types::UserId& user, const zelmor::domain::types::ChamberId& chamber,
+                           const zelmor::domain::types::SignalId& signalId) override;
+    bool hideChamberSignal(const zelmor::domain::types::UserId& user, const zelmor::domain::types::ChamberId& chamber,
+                           const zelmor::domain::types::SignalId& signalId) override;
+    QMap<int, QString> getUserRecordingConfig(const zelmor::domain::types::UserId& user) override;
+    bool setUserRecordingConfig(const zelmor::domain::types::UserId& user, int recording,
+                                QString configuration) override;
+
 signals:
     // Passes on the stores' errors with their number. Connected from construction on.
     void error(zelmor::domain::types::DatabaseConnectionError error) const override;
@@ -281,13 +399,16 @@ private:
     // The stores, without parents, in this order: access, alarm, camera,
     // chamber, configuration, program, protocol, recording, recordset, room,
     // settings, user. The others join in their places.
+    QSharedPointer<SqlAccessDatabaseConnection> accessStore;
     QSharedPointer<SqlAlarmDatabaseConnection> alarmStore;
     QSharedPointer<SqlCameraDatabaseConnection> cameraStore;
     QSharedPointer<SqlChamberDatabaseConnection> chamberStore;
     QSharedPointer<SqlConfigurationDatabaseConnection> configurationStore;
+    QSharedPointer<SqlProgramDatabaseConnection> programStore;
     QSharedPointer<SqlProtocolDatabaseConnection> protocolStore;
     QSharedPointer<SqlRoomDatabaseConnection> roomStore;
     QSharedPointer<SqlSettingsDatabaseConnection> settingsStore;
+    QSharedPointer<SqlUserDatabaseConnection> userStore;
     bool mergeUserLevels;
     bool databaseVersionWrong = false;
 };

@@ -1,6 +1,7 @@
 #include "Base/Connection/DatabaseConnection/DatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqliteConnection.h"
 #include "Domain/Api/ISqlQuery.h"
+#include "Domain/Types/ActivityId.h"
 #include "Domain/Types/Alarm.h"
 #include "Domain/Types/AlarmId.h"
 #include "Domain/Types/BackupCleanupSettings.h"
@@ -10,16 +11,23 @@
 #include "Domain/Types/ChamberSignal.h"
 #include "Domain/Types/ChamberTypeData.h"
 #include "Domain/Types/ChamberTypeId.h"
+#include "Domain/Types/ProgramData.h"
+#include "Domain/Types/ProgramSection.h"
+#include "Domain/Types/ProgramStepRepetitionId.h"
 #include "Domain/Types/ProtocolEntry.h"
 #include "Domain/Types/RecordingId.h"
 #include "Domain/Types/ReportConfiguration.h"
 #include "Domain/Types/Room.h"
 #include "Domain/Types/RoomPosition.h"
+#include "Domain/Types/SecurityQuestionAnswer.h"
+#include "Domain/Types/SignalValuePair.h"
 #include "Domain/Types/SirenBoxNetworkConfiguration.h"
 #include "Domain/Types/SmtpConfiguration.h"
 #include "Domain/Types/TimeSpan.h"
 #include "Domain/Types/ToleranceRange.h"
+#include "Domain/Types/UserData.h"
 #include "Domain/Types/UserId.h"
+#include "Domain/Types/UserPreferences.h"
 #include "Domain/Types/ZelmorNetworkConfiguration.h"
 #include "support/ChildRun.h"
 #include "support/LogCapture.h"
@@ -288,6 +296,8 @@ private slots:
     void storesThroughTheFacade();
     void chamberStoreThroughTheFacade();
     void alarmStoreThroughTheFacade();
+    void usersAndAccessThroughTheFacade();
+    void programStoreThroughTheFacade();
 
 private:
     TestDatabase files;
@@ -425,6 +435,8 @@ void TestDatabaseConnection::initialize_data()
     // A table that no creation function builds stays missing.
     QTest::newRow("delivered without the cameras") << delivered + "DROP TABLE camera;"
                                                    << "" << false << false << QList<int>{4} << QStringList();
+    QTest::newRow("delivered without the program set points") << delivered + "DROP TABLE program_setpoint;"
+                                                              << "" << false << false << QList<int>{4} << QStringList();
     QTest::newRow("catalogue without its signal table")
         << delivered << "DROP TABLE signal;" << false << false << QList<int>{4} << QStringList();
 }
@@ -648,10 +660,12 @@ void TestDatabaseConnection::setDependencies()
     QVERIFY(setup.facade.getAllChamberTypeData(false).isEmpty());
     QVERIFY(setup.facade.getAllRooms().isEmpty());
     QVERIFY(!setup.facade.setScreenLockTimeout(5));
+    QVERIFY(setup.facade.getAllUserData().isEmpty());
+    QCOMPARE(setup.facade.getRequiredUserLevel(ActivityId(ActivityId::AccessManagementActivityId::CREATE_USER)), NONE);
     QVERIFY(!setup.facade.initialize());
     QVERIFY(!setup.facade.isDatabaseVersionWrong());
     QCOMPARE(setup.application.executed, QStringList());
-    QCOMPARE(errorCodes(errors), (QList<int>{0, 0, 0, 0, 0}));
+    QCOMPARE(errorCodes(errors), (QList<int>{0, 0, 0, 0, 0, 0, 0}));
 }
 
 void TestDatabaseConnection::catalogueThroughTheFacade()
@@ -876,6 +890,150 @@ void TestDatabaseConnection::alarmStoreThroughTheFacade()
     QCOMPARE(facade.getAlarms(2).value(0).status, AlarmStatus::ACKNOWLEDGED);
     QVERIFY(facade.deleteAlarm(onNone.id));
     QCOMPARE(facade.getAllAlarms().size(), 2);
+    QCOMPARE(errors.count(), 0);
+}
+
+// Every operation of the user and access stores once, each written value read
+// back through the facade; the user store reads the chamber's signals from the
+// catalogue and asks the log store about its author.
+void TestDatabaseConnection::usersAndAccessThroughTheFacade()
+{
+    Setup setup(files,
+                delivered
+                    + "INSERT INTO chamber (id, chamber_name, chamber_type_id) VALUES (7, 'A', 5);"
+                      "INSERT INTO recording (id, recording_name) VALUES (3, 'R');",
+                smallCatalogue + "INSERT INTO activity_access VALUES (3, 1, 3), (3, 8, 1);");
+    QVERIFY(setup.ok);
+    DatabaseConnection& facade = setup.facade;
+    QVERIFY(facade.initialize());
+    QSignalSpy errors(&facade, &DatabaseConnection::error);
+
+    using Id = ActivityId;
+    QCOMPARE(facade.getRequiredUserLevel(Id(Id::AccessManagementActivityId::CREATE_USER)), ADMINISTRATOR);
+    QCOMPARE(facade.getGrantedActivities(BASIC), QList<Id>{Id(Id::AccessManagementActivityId::CHANGE_OWN_PASSWORD)});
+
+    const UserPreferences preferences(CSV_FILE, QLocale::German, "HH:mm", "dd.MM.yyyy", QChar(','), Unit::KELVIN,
+                                      Unit::PERCENT);
+    UserData anna(0, "anna", "a@b.c", "Anna", "Berg", "hash", "salt",
+                  QDateTime(QDate(2024, 5, 2), QTime(8, 0), Qt::UTC), QDateTime(), false, 0, 0, false, ADVANCED,
+                  QSharedPointer<UserPreferences>::create(preferences));
+    QVERIFY(facade.addUser(anna));
+    QCOMPARE(*facade.getUserData(anna.id), anna);
+    QCOMPARE(*facade.getUserDataByName("anna"), anna);
+    QCOMPARE(facade.getAllUserData().size(), 1);
+    QCOMPARE(facade.getAllUserNames(), QStringList{"anna"});
+    QCOMPARE(facade.getUserName(anna.id), QStringLiteral("anna"));
+    QCOMPARE(*facade.getUserPreferences(anna.id), preferences);
+    QCOMPARE(facade.getUserPreferencesPropertyValue(anna.id, UserPreferencesProperty::TIME_FORMAT).toString(),
+             QStringLiteral("HH:mm"));
+    anna.lastName = "Brandt";
+    QVERIFY(facade.updateUser(anna));
+    QVERIFY(facade.updateUserPreferences(anna.id, UserPreferences()));
+    QVERIFY(facade.setUserPropertyValue(anna.id, UserProperty::IS_BANNED, true));
+    QCOMPARE(facade.getUserPropertyValue(anna.id, UserProperty::LAST_NAME).toString(), QStringLiteral("Brandt"));
+    QVERIFY(facade.getUserData(anna.id)->isBanned);
+    QCOMPARE(*facade.getUserPreferences(anna.id), UserPreferences());
+
+    const QList<SecurityQuestionAnswer> answers = {SecurityQuestionAnswer(1, "h", "s")};
+    QVERIFY(facade.setUserSecurityQuestionAnswers(anna.id, answers));
+    QCOMPARE(facade.getUserSecurityQuestionAnswers(anna.id), answers);
+
+    QVERIFY(facade.setVisibleChamberSignals({7}, anna.id, 7));
+    QCOMPARE(facade.getVisibleChamberSignals(anna.id, 7).value(0).name, QStringLiteral("Temperature"));
+    QVERIFY(facade.hideChamberSignal(anna.id, 7, 7));
+    QVERIFY(facade.getVisibleChamberSignals(anna.id, 7).isEmpty());
+    QVERIFY(facade.showChamberSignal(anna.id, 7, 7));
+    QCOMPARE(facade.getVisibleChamberSignals(anna.id, 7).size(), 1);
+    QVERIFY(facade.setVisibleChamberSignals({}, anna.id, 7));
+
+    QVERIFY(facade.setUserRecordingConfig(anna.id, 3, "c"));
+    QCOMPARE(facade.getUserRecordingConfig(anna.id), (QMap<int, QString>{{3, "c"}}));
+
+    // Named in the log, the user stays as a deleted one; a second user leaves no row.
+    QVERIFY(facade.addProtocolEntry(ProtocolEntry(QDateTime::currentDateTimeUtc(), "Logged in", {}, anna.id)));
+    QVERIFY(facade.deleteUser(anna.id));
+    QVERIFY(facade.getAllUserData().isEmpty());
+    QCOMPARE(facade.getProtocolEntries(TimeSpan(), anna.id).value(0).userName, QStringLiteral("anna (deleted)"));
+    UserData bert(0, "bert", BASIC);
+    QVERIFY(facade.addUser(bert));
+    // Every user has its preferences from the start.
+    QVERIFY(!facade.addUserPreferences(bert.id, UserPreferences()));
+    QVERIFY(facade.deleteUser(bert.id));
+    QCOMPARE(facade.getAllUserNames(), QStringList{"anna"});
+    QCOMPARE(errors.count(), 0);
+}
+
+// Every operation of the program store once, each written value read back
+// through the facade.
+void TestDatabaseConnection::programStoreThroughTheFacade()
+{
+    Setup setup(files, delivered, smallCatalogue);
+    QVERIFY(setup.ok);
+    DatabaseConnection& facade = setup.facade;
+    QVERIFY(facade.initialize());
+    QSignalSpy errors(&facade, &DatabaseConnection::error);
+
+    ChamberTypeData type;
+    type.chamberTypeId = ChamberTypeId(5, 0);
+    ProgramData main(0, "Main", 1, "Info", ProgramData::TIME_PROGRAM, true, type);
+    ProgramData sub(0, "Sub", 1, QString(), ProgramData::WEEK_PROGRAM, false, type);
+    QVERIFY(facade.addProgram(main) && facade.addProgram(sub));
+    main.name = "Main 2";
+    QVERIFY(facade.updateProgram(main) && facade.updateProgramName(sub.id, "Sub 2"));
+    QVERIFY(facade.updateProgramProperty(main.id, ProgramProperty::EDITED, false));
+    QCOMPARE(facade.getProgramName(1), QStringLiteral("Main 2"));
+    QVERIFY(!facade.getProgramStateEdited(1));
+    QCOMPARE(int(facade.getProgramUserId(1)), 1);
+    QCOMPARE(facade.getProgramChamberTypeId(1), ChamberTypeId(5, 0));
+    QCOMPARE(facade.getProgramType(2), ProgramData::WEEK_PROGRAM);
+    QCOMPARE(facade.getProgramProperty(2, ProgramProperty::PROGRAM_NAME), QVariant(QStringLiteral("Sub 2")));
+    QCOMPARE(int(facade.findProgramByName("Sub 2")), 2);
+    QVERIFY(facade.isProgramIdValid(2) && !facade.isProgramIdValid(3));
+
+    const auto humidity = [](float value) { return SignalValuePair(7, UnitValue(Unit::RELATIVE_HUMIDITY_RF, value)); };
+    ProgramStep first(0, 1, 1, ProgramSection(0, {humidity(50)}, 60, ProgramSection::RAMP, false, {}));
+    QVERIFY(facade.addProgramStep(first));
+    QList<ProgramStep> steps = {first, ProgramStep(0, 1, 2, ProgramId(2))};
+    QVERIFY(facade.updateProgramSteps(1, steps));
+    QVERIFY(facade.getProgramSteps(1) == steps);
+    QVERIFY(facade.hasSubPrograms(1) && !facade.hasSubPrograms(2));
+    QCOMPARE(int(facade.getProgramSectionId(1)), 1);
+    QCOMPARE(facade.getProgramStepPropertyValue(2, ProgramStepProperty::SUB_PROGRAM_ID), QVariant(2));
+    ProgramSection section = facade.getProgramSection(1);
+    section.durationInSeconds = 90;
+    QVERIFY(facade.updateSection(section) && facade.addSetpoints(1, {humidity(55)}));
+    QCOMPARE(facade.getProgramSection(1).durationInSeconds, 90);
+    QVERIFY(facade.getProgramSectionSetpoints(1) == QList<SignalValuePair>{humidity(55)});
+    ProgramSection loose(0, {humidity(1)}, 1, ProgramSection::JUMP, false, {});
+    QVERIFY(facade.addSection(loose) && facade.deleteProgramSectionSetpoints(loose.id));
+    QVERIFY(facade.getProgramSectionSetpoints(loose.id).isEmpty() && facade.deleteProgramSection(loose.id));
+    QVERIFY(facade.updateProgramStep(ProgramStep(2, 1, 3, ProgramId(2))));
+    QCOMPARE(facade.getProgramSteps(1).value(1).orderNumber, 3);
+
+    ProgramStepRepetition repetition(0, 1, 1, 2, 2);
+    QVERIFY(facade.addProgramStepRepetition(repetition));
+    repetition.repetitions = 3;
+    QVERIFY(facade.updateProgramStepRepetition(repetition) && facade.containsProgramStepRepetitions(repetition));
+    QVERIFY(facade.getProgramStepRepetition(1, 2) == repetition);
+    QList<ProgramStepRepetition> repetitions = facade.getProgramStepRepetitions(1);
+    repetitions.append(ProgramStepRepetition(0, 1, 2, 2, 4));
+    QVERIFY(facade.updateProgramStepRepetitions(1, repetitions));
+    QVERIFY(facade.deleteProgramStepRepetition(repetitions.at(1).id));
+    QVERIFY(facade.deleteUnusedProgramStepRepetitions(1, {}) && facade.getProgramStepRepetitions(1).isEmpty());
+
+    const QUrl file = QUrl::fromLocalFile(files.filePath("Main.prg"));
+    QVERIFY(facade.exportProgram(1, file));
+    QCOMPARE(int(facade.importProgram(file, 4)), 3);
+    QCOMPARE(facade.getAllPrograms().size(), 4);
+    QCOMPARE(facade.getProgram(3).name + ' ' + facade.getProgram(4).name,
+             QStringLiteral("Main_imported Main_subimported"));
+
+    QVERIFY(facade.deleteProgramSetpoints(3) && facade.deleteProgramSections(3));
+    QCOMPARE(int(facade.getProgramSectionId(facade.getProgramSteps(3).value(0).id)), 0);
+    QVERIFY(facade.deleteUnusedProgramSteps(3, {}) && facade.getProgramSteps(3).isEmpty());
+    QVERIFY(facade.deleteProgramStep(2) && facade.deleteProgramSteps(1) && facade.getProgramSteps(1).isEmpty());
+    QVERIFY(facade.deleteProgram(3) && facade.deleteProgram(4) && facade.deleteProgram(1));
+    QCOMPARE(facade.getAllPrograms().size(), 1);
     QCOMPARE(errors.count(), 0);
 }
 

@@ -47,7 +47,7 @@ SqlRoomDatabaseConnection* roomStore = nullptr;
 template<>
 struct zelmor::testsupport::StoreWiring<Store>
 {
-    static bool wire(Store& store, ISqlConnection* connection)
+    bool wire(Store& store, ISqlConnection* connection)
     {
         roomStore->setDependencies(connection);
         chamberStore->setDependencies(connection, catalogue, roomStore);

@@ -45,7 +45,7 @@ SqlRoomDatabaseConnection* roomStore = nullptr;
 template<>
 struct zelmor::testsupport::StoreWiring<Store>
 {
-    static bool wire(Store& store, ISqlConnection* connection)
+    bool wire(Store& store, ISqlConnection* connection)
     {
         roomStore->setDependencies(connection);
         return store.setDependencies(connection, catalogue, roomStore);
