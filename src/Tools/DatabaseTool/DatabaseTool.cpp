@@ -6,6 +6,7 @@
 #include "Tools/DatabaseTool/CreateCommand.h"
 #include "Tools/DatabaseTool/ListingCommands.h"
 #include "Tools/DatabaseTool/MessageCollector.h"
+#include "Tools/DatabaseTool/ProgramCommands.h"
 #include "Tools/DatabaseTool/ToolContext.h"
 
 #include <QTextStream>
@@ -25,6 +26,10 @@ Run commandRun(const QString& name)
         {QStringLiteral("check"), &CheckCommand::run},
         {QStringLiteral("add-chambers"), &AddChambersCommand::run},
         {QStringLiteral("chambers"), &ListingCommands::chambers},
+        {QStringLiteral("programs"), &ListingCommands::programs},
+        {QStringLiteral("users"), &ListingCommands::users},
+        {QStringLiteral("export-program"), &ProgramCommands::exportProgram},
+        {QStringLiteral("import-program"), &ProgramCommands::importProgram},
     };
     return runs.value(name);
 }

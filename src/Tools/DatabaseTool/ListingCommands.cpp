@@ -1,6 +1,8 @@
 #include "Tools/DatabaseTool/ListingCommands.h"
 
 #include "Domain/Types/ChamberData.h"
+#include "Domain/Types/ProgramData.h"
+#include "Domain/Types/UserData.h"
 #include "Tools/DatabaseTool/OutputTable.h"
 #include "Tools/DatabaseTool/ToolContext.h"
 #include "Tools/DatabaseTool/ToolDatabase.h"
@@ -52,6 +54,13 @@ QString ListingCommands::protocolName(int protocol)
     default:
         return QString::number(protocol);
     }
+}
+
+QJsonValue ListingCommands::timeValue(const QDateTime& time)
+{
+    if (!time.isValid())
+        return QJsonValue();
+    return time.toOffsetFromUtc(time.offsetFromUtc()).toString(Qt::ISODate);
 }
 
 QString ListingCommands::converterName(int converter)
@@ -126,6 +135,62 @@ CommandOutcome ListingCommands::chambers(const ToolContext& context)
         table.addRow(cells);
     }
     return print(context, database, table, QStringLiteral("chambers"));
+}
+
+CommandOutcome ListingCommands::programs(const ToolContext& context)
+{
+    // A program names its chamber type from the catalogue.
+    ToolDatabase database(context.key(), context.line.value(QStringLiteral("--catalogue")));
+    const CommandOutcome outcome =
+        database.open(context.file(), context.file(), DatabaseFile::READ_ONLY, ToolDatabase::CATALOGUE_NEEDED);
+    if (!outcome.isSuccess())
+        return outcome;
+    static const QStringList typeNames = {QStringLiteral("time"), QStringLiteral("week"), QStringLiteral("norm")};
+    OutputTable table({{"id", "ID"},
+                       {"name", "NAME"},
+                       {"type", "TYPE"},
+                       {"chamberTypeId", "CHAMBER TYPE"},
+                       {"chamberTypeName", "TYPE NAME"},
+                       {"userId", "USER"},
+                       {"steps", "STEPS"},
+                       {"repetitions", "REPETITIONS"},
+                       {"edited", "EDITED"},
+                       {"infoText", "INFO"}});
+    for (const types::ProgramData& program : database.facade().getAllPrograms()) {
+        table.addRow({int(program.id), program.name, typeNames.value(program.type, QString::number(program.type)),
+                      double(program.chamberType.chamberTypeId.typeId),
+                      textOrNull(program.chamberType.getQualifiedTypeName()), numberOrNull(int(program.userId), 0),
+                      program.steps.size(), program.repetitions.size(), program.edited, textOrNull(program.infoText)});
+    }
+    return print(context, database, table, QStringLiteral("programs"));
+}
+
+CommandOutcome ListingCommands::users(const ToolContext& context)
+{
+    ToolDatabase database(context.key(), context.line.value(QStringLiteral("--catalogue")));
+    const CommandOutcome outcome =
+        database.open(context.file(), context.file(), DatabaseFile::READ_ONLY, ToolDatabase::WITHOUT_CATALOGUE);
+    if (!outcome.isSuccess())
+        return outcome;
+    OutputTable table({{"id", "ID"},
+                       {"loginName", "LOGIN"},
+                       {"firstName", "FIRST NAME"},
+                       {"lastName", "LAST NAME"},
+                       {"mailAddress", "MAIL"},
+                       {"userLevel", "LEVEL"},
+                       {"userLevelName", "LEVEL NAME"},
+                       {"isBanned", "BANNED"},
+                       {"failedLogins", "FAILED LOGINS"},
+                       {"passwordIsTemporary", "TEMPORARY PASSWORD"},
+                       {"passwordExpirationTime", "PASSWORD EXPIRES"}});
+    // Hashes and salts stay where they are.
+    for (const QSharedPointer<types::UserData>& user : database.facade().getAllUserData()) {
+        table.addRow({int(user->id), user->loginName, textOrNull(user->firstName), textOrNull(user->lastName),
+                      textOrNull(user->mailAddress), int(user->userLevel), textOrNull(user->getUserLevelName()),
+                      user->isBanned, numberOrNull(user->failedLogins, -1), user->passwordIsTemporary,
+                      timeValue(user->passwordExpirationTime)});
+    }
+    return print(context, database, table, QStringLiteral("users"));
 }
 
 } // namespace zelmor::tools::databasetool

@@ -2,6 +2,9 @@
 
 #include "Tools/DatabaseTool/CommandOutcome.h"
 
+#include <QDateTime>
+#include <QJsonValue>
+
 namespace zelmor::tools::databasetool {
 
 class OutputTable;
@@ -14,10 +17,14 @@ class ListingCommands
 {
 public:
     static CommandOutcome chambers(const ToolContext& context);
+    static CommandOutcome programs(const ToolContext& context);
+    static CommandOutcome users(const ToolContext& context);
 
     // The texts the tables show for the numbers of the chamber columns.
     static QString protocolName(int protocol);
     static QString converterName(int converter);
+    // A moment in local time with its offset, "2024-03-01T10:00:00+01:00"; null when invalid.
+    static QJsonValue timeValue(const QDateTime& time);
 
 private:
     // Prints the table, or the failure when the stores reported one.
