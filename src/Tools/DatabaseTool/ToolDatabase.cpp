@@ -9,6 +9,7 @@
 namespace zelmor::tools::databasetool {
 
 using zelmor::base::connection::databaseconnection::DatabaseConnection;
+using zelmor::base::connection::databaseconnection::SqliteConnection;
 using zelmor::domain::types::DatabaseConnectionError;
 
 namespace {
@@ -29,8 +30,11 @@ ToolDatabase::ToolDatabase(const QString& key, const QString& cataloguePath, QOb
 {
     // Both connections exist from here on; a closed one only fails when used.
     facade_.setDependencies(&file_.connection(), &catalogue_.connection());
-    connect(&facade_, &DatabaseConnection::error, this,
-            [this](DatabaseConnectionError error) { errors_.append(int(error)); });
+    const auto count = [this](DatabaseConnectionError error) { errors_.append(int(error)); };
+    connect(&facade_, &DatabaseConnection::error, this, count);
+    // A statement that fails is told by the connection, and not passed on by every store.
+    connect(&file_.connection(), &SqliteConnection::error, this, count);
+    connect(&catalogue_.connection(), &SqliteConnection::error, this, count);
 }
 
 CommandOutcome ToolDatabase::openUnchecked(const QString& path, const QString& shownName, DatabaseFile::Access access)
@@ -46,6 +50,8 @@ CommandOutcome ToolDatabase::open(const QString& path, const QString& shownName,
         outcome = file_.checkVersion();
     if (outcome.isSuccess())
         outcome = openCatalogue(catalogueUse);
+    // What the tests on the way said is in the outcome; from here on errors are the command's.
+    clearErrors();
     return outcome;
 }
 

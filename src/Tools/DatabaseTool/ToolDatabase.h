@@ -12,8 +12,8 @@ namespace zelmor::tools::databasetool {
 
 // The facade wired as the monitoring application wires it: to the
 // application database a command works on and to the chamber type
-// catalogue. The facade's error signal is counted, for a store that gives an
-// empty result can't otherwise be told from one that failed.
+// catalogue. The error signals are counted, for a store that gives an empty
+// result can't otherwise be told from one that failed.
 //
 // initialize() isn't called here: on a user's file it writes (a settings
 // row, missing tables), and the commands that only read must not write.
@@ -40,7 +40,8 @@ public:
     bool hasCatalogue() const { return hasCatalogue_; }
     QString catalogueName() const { return catalogueName_; }
 
-    // The codes of the facade's error signal since the last clearErrors().
+    // The codes of the error signals of the facade and the two connections
+    // since the last clearErrors(); open() starts afresh.
     QList<int> errors() const { return errors_; }
     bool hasErrors() const { return !errors_.isEmpty(); }
     void clearErrors() { errors_.clear(); }
