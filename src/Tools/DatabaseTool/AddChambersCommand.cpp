@@ -5,7 +5,9 @@
 #include "Tools/DatabaseTool/ToolContext.h"
 #include "Tools/DatabaseTool/ToolDatabase.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QSet>
 #include <QSqlDatabase>
 #include <QStandardPaths>
@@ -87,11 +89,16 @@ CommandOutcome AddChambersCommand::run(const ToolContext& context)
                                 ? defaultExtract()
                                 : context.line.argument(QStringLiteral("EXTRACT"));
     QFile extractFile(extract);
+    // The simulator doesn't make the folder: without it the extract goes nowhere, without a word.
+    if (!extractFile.exists() && !QFileInfo(extract).dir().exists())
+        return CommandOutcome::failure(CANNOT_OPEN, extract
+                                                        + QStringLiteral(": no such file, nor its folder; "
+                                                                         "chamber-simulator writes it only into a "
+                                                                         "folder that is there"));
     if (!extractFile.exists())
-        return CommandOutcome::failure(CANNOT_OPEN,
-                                       extract
-                                           + QStringLiteral(": no such file (chamber-simulator writes it for a "
-                                                            "fleet built with -n or -a)"));
+        return CommandOutcome::failure(CANNOT_OPEN, extract
+                                                        + QStringLiteral(": no such file (chamber-simulator writes "
+                                                                         "it for a fleet built with -n or -a)"));
     if (!extractFile.open(QIODevice::ReadOnly))
         return CommandOutcome::failure(CANNOT_OPEN,
                                        extract + QStringLiteral(": can't be read (%1)").arg(extractFile.errorString()));

@@ -469,6 +469,9 @@ void TestDatabaseTool::addChambersBadInput_data()
     QTest::newRow("no extract") << delivered() << QString() << QStringList{} << 3
                                 << "zelmor-db: %2: no such file (chamber-simulator writes it for a fleet built with -n "
                                    "or -a)";
+    QTest::newRow("no documents folder")
+        << delivered() << QString() << QStringList{} << 3
+        << "zelmor-db: %2: no such file, nor its folder; chamber-simulator writes it only into a folder that is there";
     QTest::newRow("another key") << delivered() << fleetExtract << QStringList{"--key", otherKey} << 4
                                  << "zelmor-db: %1: is not a database, or not one encrypted with this key";
     QTest::newRow("not a database") << files.createFile("text.sqlite3", "INSERT INTO chamber VALUES (1);")
@@ -492,7 +495,8 @@ void TestDatabaseTool::addChambersBadInput()
     QFETCH(QString, error);
 
     QTemporaryDir work;
-    const QString extractPath = work.filePath("fleet.sql");
+    const QString extractPath = work.filePath(
+        QString(QTest::currentDataTag()) == "no documents folder" ? "Documents/sqlextract.sql" : "fleet.sql");
     if (!extract.isNull())
         QVERIFY(writeFile(extractPath, extract.toUtf8()));
     const QByteArray before = fileBytes(path);
