@@ -45,6 +45,8 @@ public:
 protected:
     bool prepare(const QString& query) override;
     bool savePrepare(const QString& query) override;
+    void bindValue(int index, const QVariant& value, QSql::ParamType type) override;
+    using QSqlResult::bindValue;
     bool exec() override;
     bool reset(const QString& query) override;
 

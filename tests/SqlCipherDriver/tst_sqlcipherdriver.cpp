@@ -106,6 +106,7 @@ private slots:
     void tablesAndColumns();
 
     void sameTextInTwoLiveQueries();
+    void bindsByPositionAndByName();
     void closeWithLiveQueries();
     void rekeysAndVacuums();
     void loadsThroughPluginPath();
@@ -202,6 +203,10 @@ void tst_SqlCipherDriver::bindsAndReadsBack_data()
     // Europe/Berlin: UTC+2 in summer.
     row("local summer", QDateTime(QDate(2024, 7, 1), QTime(0, 30), Qt::LocalTime), "text|'2024-06-30T22:30:00.000Z'",
         QStringLiteral("2024-06-30T22:30:00.000Z"));
+    row("offset, the day before in UTC", QDateTime(QDate(2024, 1, 1), QTime(1, 2, 3, 4), Qt::OffsetFromUTC, 5400),
+        "text|'2023-12-31T23:32:03.004Z'", QStringLiteral("2023-12-31T23:32:03.004Z"));
+    row("year of three digits", QDateTime(QDate(987, 6, 5), QTime(4, 3, 2, 10), Qt::UTC),
+        "text|'0987-06-05T04:03:02.010Z'", QStringLiteral("0987-06-05T04:03:02.010Z"));
 }
 
 void tst_SqlCipherDriver::bindsAndReadsBack()
@@ -493,6 +498,41 @@ void tst_SqlCipherDriver::sameTextInTwoLiveQueries()
     QSqlQuery last(db);
     QVERIFY(last.prepare(QStringLiteral("SELECT 199")));
     QCOMPARE(driver->cachedStatementCount(), cached - 1);
+}
+
+// Values by position, as the connection binds them, are what the query shows
+// as bound; a second prepare starts afresh; names still reach their places.
+void tst_SqlCipherDriver::bindsByPositionAndByName()
+{
+    const QString path = seeded(QStringLiteral("CREATE TABLE v(a, b, c);"));
+    {
+        QSqlDatabase db = open(path);
+        QSqlQuery query(db);
+        QVERIFY(query.prepare(QStringLiteral("INSERT INTO v(a, b, c) VALUES (?, ?, ?), (?, ?, ?)")));
+        for (int value = 1; value <= 6; ++value)
+            query.addBindValue(value);
+        QCOMPARE(query.boundValues().size(), 6);
+        QCOMPARE(query.boundValue(4), QVariant(5));
+        QVERIFY2(query.exec(), qPrintable(query.lastError().text()));
+
+        // Fewer values than places: refused, nothing written.
+        QVERIFY(query.prepare(QStringLiteral("INSERT INTO v(a, b, c) VALUES (?, ?, ?)")));
+        query.addBindValue(7);
+        QVERIFY(!query.exec());
+        QVERIFY(query.prepare(QStringLiteral("INSERT INTO v(a, b, c) VALUES (?, ?, ?)")));
+        query.addBindValue(7);
+        query.addBindValue(8);
+        query.addBindValue(9);
+        QVERIFY2(query.exec(), qPrintable(query.lastError().text()));
+
+        QVERIFY(query.prepare(QStringLiteral("INSERT INTO v(a, b, c) VALUES (:first, :second, :first)")));
+        query.bindValue(QStringLiteral(":second"), QStringLiteral("s"));
+        query.bindValue(QStringLiteral(":first"), QStringLiteral("f"));
+        QCOMPARE(query.boundValue(QStringLiteral(":second")), QVariant(QStringLiteral("s")));
+        QVERIFY2(query.exec(), qPrintable(query.lastError().text()));
+    }
+    QCOMPARE(shell(path, QStringLiteral("SELECT a, b, c FROM v ORDER BY rowid;")),
+             QStringLiteral("1|2|3\n4|5|6\n7|8|9\nf|s|f\n"));
 }
 
 void tst_SqlCipherDriver::closeWithLiveQueries()

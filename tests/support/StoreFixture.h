@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Base/Connection/DatabaseConnection/DatabaseConnection.h"
+#include "Base/Connection/DatabaseConnection/QSqlQueryWrapper.h"
 #include "Base/Connection/DatabaseConnection/SqlConfigurationDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqliteConnection.h"
 #include "Domain/Api/ISqlConnection.h"
@@ -12,11 +13,15 @@
 #include <QByteArray>
 #include <QFile>
 #include <QList>
+#include <QMutex>
+#include <QSet>
 #include <QSignalSpy>
 #include <QString>
+#include <QThread>
 #include <QVariant>
 #include <QtTest>
 
+#include <csignal>
 #include <functional>
 #include <memory>
 #include <utility>
@@ -30,11 +35,40 @@ namespace zelmor::testsupport {
 // width, which no well-formed statement on a real engine gives. Statements are
 // told apart by their rows, not by their text. The single-row and
 // single-value reads go through here too.
+//
+// It also notes the thread of every statement, the number of values of each
+// statement of each transaction, and ends its process at once with SIGKILL
+// when it is about to run statement killAtStatement (counted from 1; 0 never).
 class CuttingConnection : public zelmor::base::connection::databaseconnection::SqliteConnection
 {
 public:
     using SqliteConnection::fetch;
     using SqliteConnection::SqliteConnection;
+
+    bool bindValuesToQuery(zelmor::base::connection::databaseconnection::QSqlQueryWrapper& query,
+                           const QString& queryString, const QList<QVariant>& values) const override
+    {
+        int statement = 0;
+        {
+            QMutexLocker lock(&mutex);
+            statementThreads.insert(QThread::currentThread());
+            statement = ++statements;
+        }
+        if (statement == killAtStatement) {
+            std::raise(SIGKILL);
+        }
+        return SqliteConnection::bindValuesToQuery(query, queryString, values);
+    }
+
+    bool executeTransaction(const QList<QSharedPointer<zelmor::domain::api::ISqlQuery>>& queries) override
+    {
+        QList<int> sizes;
+        for (const QSharedPointer<zelmor::domain::api::ISqlQuery>& query : queries) {
+            sizes.append(query ? query->getBindValues().size() : -1);
+        }
+        transactions.append(sizes);
+        return SqliteConnection::executeTransaction(queries);
+    }
 
     QList<QList<QVariant>> fetch(const zelmor::domain::api::ISqlQuery& query) const override
     {
@@ -49,6 +83,11 @@ public:
 
     int cutWidth = 0;
     int cutRow = -1;
+    int killAtStatement = 0;
+    mutable QMutex mutex;
+    mutable QSet<QThread*> statementThreads;
+    mutable int statements = 0;
+    QList<QList<int>> transactions;
 };
 
 // How a fixture wires its store to the fixture's connection: as the facade

@@ -7,6 +7,8 @@
 #include "Base/Connection/DatabaseConnection/SqlConfigurationDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlProgramDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlProtocolDatabaseConnection.h"
+#include "Base/Connection/DatabaseConnection/SqlRecordingDatabaseConnection.h"
+#include "Base/Connection/DatabaseConnection/SqlRecordsetDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlRoomDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlSettingsDatabaseConnection.h"
 #include "Base/Connection/DatabaseConnection/SqlUserDatabaseConnection.h"
@@ -16,7 +18,7 @@
 // The creation functions of the application tables are in
 // DatabaseConnectionTables.cpp, the calls passed on to each store in
 // DatabaseConnection<Store>.cpp (Access, Alarm, Camera, Chamber,
-// Configuration, Program, Protocol, Room, Settings, User).
+// Configuration, Program, Protocol, Recording, Recordset, Room, Settings, User).
 
 namespace zelmor::base::connection::databaseconnection {
 
@@ -35,6 +37,8 @@ DatabaseConnection::DatabaseConnection(bool mergeUserLevels, QObject* parent)
     , configurationStore(new SqlConfigurationDatabaseConnection(nullptr))
     , programStore(new SqlProgramDatabaseConnection(nullptr))
     , protocolStore(new SqlProtocolDatabaseConnection(mergeUserLevels, nullptr))
+    , recordingStore(new SqlRecordingDatabaseConnection(nullptr))
+    , recordsetStore(new SqlRecordsetDatabaseConnection(nullptr))
     , roomStore(new SqlRoomDatabaseConnection(nullptr))
     , settingsStore(new SqlSettingsDatabaseConnection(nullptr))
     , userStore(new SqlUserDatabaseConnection(mergeUserLevels, nullptr))
@@ -61,8 +65,10 @@ bool DatabaseConnection::setDependencies(ISqlConnection* applicationDatabase, IS
            && configurationStore->setDependencies(configurationDatabase)
            && chamberStore->setDependencies(applicationDatabase, configurationStore.data(), roomStore.data())
            && programStore->setDependencies(applicationDatabase, configurationStore.data())
-           && protocolStore->setDependencies(applicationDatabase) && roomStore->setDependencies(applicationDatabase)
-           && settingsStore->setDependencies(applicationDatabase)
+           && protocolStore->setDependencies(applicationDatabase)
+           && recordingStore->setDependencies(applicationDatabase, chamberStore.data(), recordsetStore.data())
+           && recordsetStore->setDependencies(applicationDatabase, configurationStore.data(), chamberStore.data())
+           && roomStore->setDependencies(applicationDatabase) && settingsStore->setDependencies(applicationDatabase)
            && userStore->setDependencies(applicationDatabase, configurationStore.data(), protocolStore.data());
 }
 
@@ -110,6 +116,10 @@ void DatabaseConnection::connectSignals()
             Qt::UniqueConnection);
     connect(protocolStore.data(), &SqlProtocolDatabaseConnection::error, this, &DatabaseConnection::error,
             Qt::UniqueConnection);
+    connect(recordingStore.data(), &SqlRecordingDatabaseConnection::error, this, &DatabaseConnection::error,
+            Qt::UniqueConnection);
+    connect(recordsetStore.data(), &SqlRecordsetDatabaseConnection::error, this, &DatabaseConnection::error,
+            Qt::UniqueConnection);
     connect(roomStore.data(), &SqlRoomDatabaseConnection::error, this, &DatabaseConnection::error,
             Qt::UniqueConnection);
     connect(settingsStore.data(), &SqlSettingsDatabaseConnection::error, this, &DatabaseConnection::error,
@@ -131,8 +141,9 @@ bool DatabaseConnection::initializeStores()
 {
     // In the order of the stores, stopping at the first false.
     const QList<IInitializing*> stores = {
-        accessStore.data(),  alarmStore.data(),    cameraStore.data(), chamberStore.data(),  configurationStore.data(),
-        programStore.data(), protocolStore.data(), roomStore.data(),   settingsStore.data(), userStore.data(),
+        accessStore.data(),        alarmStore.data(),   cameraStore.data(),   chamberStore.data(),
+        configurationStore.data(), programStore.data(), protocolStore.data(), recordingStore.data(),
+        recordsetStore.data(),     roomStore.data(),    settingsStore.data(), userStore.data(),
     };
     for (IInitializing* store : stores) {
         if (!store->initialize()) {

@@ -9,6 +9,8 @@
 #include "Domain/Api/IConfigurationDatabaseConnection.h"
 #include "Domain/Api/IProgramDatabaseConnection.h"
 #include "Domain/Api/IProtocolDatabaseConnection.h"
+#include "Domain/Api/IRecordingDatabaseConnection.h"
+#include "Domain/Api/IRecordsetDatabaseConnection.h"
 #include "Domain/Api/IRoomDatabaseConnection.h"
 #include "Domain/Api/ISettingsDatabaseConnection.h"
 #include "Domain/Api/IUserDatabaseConnection.h"
@@ -35,6 +37,8 @@ class SqlChamberDatabaseConnection;
 class SqlConfigurationDatabaseConnection;
 class SqlProgramDatabaseConnection;
 class SqlProtocolDatabaseConnection;
+class SqlRecordingDatabaseConnection;
+class SqlRecordsetDatabaseConnection;
 class SqlRoomDatabaseConnection;
 class SqlSettingsDatabaseConnection;
 class SqlUserDatabaseConnection;
@@ -57,6 +61,8 @@ class DatabaseConnection : public QObject,
                            public zelmor::domain::api::IConfigurationDatabaseConnection,
                            public zelmor::domain::api::IProgramDatabaseConnection,
                            public zelmor::domain::api::IProtocolDatabaseConnection,
+                           public zelmor::domain::api::IRecordingDatabaseConnection,
+                           public zelmor::domain::api::IRecordsetDatabaseConnection,
                            public zelmor::domain::api::IRoomDatabaseConnection,
                            public zelmor::domain::api::ISettingsDatabaseConnection,
                            public zelmor::domain::api::IUserDatabaseConnection
@@ -280,6 +286,59 @@ public:
                        const zelmor::domain::types::UserId& user) const override;
     bool hasProtocolEntries(const zelmor::domain::types::UserId& user) const override;
 
+    // IRecordingDatabaseConnection
+    bool addRecording(zelmor::domain::types::RecordingData& recording) override;
+    QList<QSharedPointer<zelmor::domain::types::RecordingData>> getAllRecordingData() const override;
+    QSharedPointer<zelmor::domain::types::RecordingData>
+    getRecordingData(const zelmor::domain::types::RecordingId& id) const override;
+    zelmor::domain::types::RecordingId
+    getActiveRecording(const zelmor::domain::types::ChamberId& chamber) const override;
+    QVariant getRecordingProperty(const zelmor::domain::types::RecordingId& id,
+                                  const zelmor::domain::api::RecordingProperty& property) const override;
+    bool hasRecordings(const zelmor::domain::types::ChamberId& chamber) const override;
+    bool setRecordingProperty(const zelmor::domain::types::RecordingData& recording,
+                              const zelmor::domain::api::RecordingProperty& property) override;
+    bool setRecordingProperty(const zelmor::domain::types::RecordingId& id,
+                              const zelmor::domain::api::RecordingProperty& property, const QVariant& value) override;
+    bool updateRecordingProperties(const zelmor::domain::types::RecordingData& recording) override;
+    bool deleteRecording(const zelmor::domain::types::RecordingId& id) override;
+    bool archiveRecording(const zelmor::domain::types::RecordingId& id) override;
+    bool restoreRecording(const zelmor::domain::types::RecordingId& id) override;
+    QList<zelmor::domain::types::RecordingId>
+    getMetaRecordingSubRecordings(const zelmor::domain::types::RecordingId& meta) const override;
+    bool setMetaRecordingSubRecordings(const zelmor::domain::types::RecordingId& meta,
+                                       QList<zelmor::domain::types::RecordingId> recordings) override;
+    bool deleteMetaRecordingSubRecordings(const zelmor::domain::types::RecordingId& meta) override;
+
+    // IRecordsetDatabaseConnection
+    bool addRecordset(zelmor::domain::types::Recordset& recordset) override;
+    bool addRecordsetComment(const zelmor::domain::types::RecordsetComment& comment) override;
+    bool deleteRecordsetComment(const zelmor::domain::types::RecordsetId& id) override;
+    bool deleteRecordset(const zelmor::domain::types::RecordsetId& id) override;
+    bool deleteAllRecordsets(const zelmor::domain::types::RecordingId& recording) override;
+    zelmor::domain::types::Recordset getRecordset(const zelmor::domain::types::RecordsetId& id) override;
+    QList<zelmor::domain::types::Recordset> getLatestNRecordsets(const zelmor::domain::types::RecordingId& recording,
+                                                                 int count, const QDateTime& before) override;
+    QList<zelmor::domain::types::Recordset> getNRecordsets(const zelmor::domain::types::RecordingId& recording,
+                                                           int count,
+                                                           const zelmor::domain::types::RecordsetId& before) override;
+    QList<zelmor::domain::types::Recordset> getRecordsets(const zelmor::domain::types::RecordingId& recording,
+                                                          const zelmor::domain::types::TimeSpan& span,
+                                                          long long maxCount) override;
+    QList<zelmor::domain::types::Recordset> getRecordsets(const zelmor::domain::types::RecordingId& recording,
+                                                          long long start, long long end, long long maxCount) override;
+    zelmor::domain::types::RecordsetComment
+    getRecordsetComment(const zelmor::domain::types::RecordsetId& id) const override;
+    bool matchSignalRecordsetColumn(const zelmor::domain::types::RecordingId& recording,
+                                    const QList<zelmor::domain::types::SignalId>& signalIds) override;
+    QMap<int, zelmor::domain::types::ChamberSignal>
+    getRecordingSignals(const zelmor::domain::types::RecordingId& recording) const override;
+    bool addRecordsToQuery(QList<zelmor::domain::types::Recordset>& recordsets) const override;
+    long long getRecordsetLenght(const zelmor::domain::types::RecordingId& recording) override;
+    QList<zelmor::domain::types::Recordset>
+    getRecordsetsWithImagePath(const zelmor::domain::types::RecordingId& recording,
+                               const zelmor::domain::types::TimeSpan& span, long long maxCount) override;
+
     // IRoomDatabaseConnection
     QList<zelmor::domain::types::Room> getAllRooms() const override;
     QUrl getRoomImagePath(const zelmor::domain::types::RoomId& id) const override;
@@ -406,6 +465,8 @@ private:
     QSharedPointer<SqlConfigurationDatabaseConnection> configurationStore;
     QSharedPointer<SqlProgramDatabaseConnection> programStore;
     QSharedPointer<SqlProtocolDatabaseConnection> protocolStore;
+    QSharedPointer<SqlRecordingDatabaseConnection> recordingStore;
+    QSharedPointer<SqlRecordsetDatabaseConnection> recordsetStore;
     QSharedPointer<SqlRoomDatabaseConnection> roomStore;
     QSharedPointer<SqlSettingsDatabaseConnection> settingsStore;
     QSharedPointer<SqlUserDatabaseConnection> userStore;

@@ -13,12 +13,16 @@ QString qualifiedName(const SqlQuery::TableColumnPair& pair)
 
 QString placeholders(int count, const QString& separator)
 {
-    QStringList marks;
-    marks.reserve(count);
+    // Written out directly: a bulk insert asks for one group per row.
+    QString marks;
+    marks.reserve(count * (separator.size() + 1));
     for (int i = 0; i < count; ++i) {
-        marks.append(QStringLiteral("?"));
+        if (i > 0) {
+            marks += separator;
+        }
+        marks += QLatin1Char('?');
     }
-    return marks.join(separator);
+    return marks;
 }
 
 // A blank and the flag's word when the column carries the flag, else nothing.

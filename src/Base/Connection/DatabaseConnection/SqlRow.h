@@ -50,6 +50,8 @@ public:
     // A time written in UTC, in local time; NULL gives an invalid time. A text
     // without an offset, as other tools write it, counts as UTC too.
     QDateTime toLocalTime(int position) const;
+    // The same moment in UTC, which costs no time zone rules.
+    QDateTime toUtcTime(int position) const;
 
     // The select list of a row layout: the column of each position, in order.
     //
@@ -67,6 +69,9 @@ public:
     }
 
 private:
+    // The driver's text of a time in UTC; invalid for any other text.
+    static QDateTime fromDriverText(const QString& text);
+
     QList<QVariant> values_;
 };
 

@@ -24,6 +24,22 @@ namespace {
 
 const char* const driverName = "QSQLCIPHER";
 
+// The journal on disk from construction to destruction, then in memory again.
+class JournalOnDisk
+{
+public:
+    explicit JournalOnDisk(const QSqlDatabase& database)
+        : query(database)
+    {
+        query.exec(QStringLiteral("PRAGMA journal_mode = DELETE"));
+        query.finish();
+    }
+    ~JournalOnDisk() { query.exec(QStringLiteral("PRAGMA journal_mode = MEMORY")); }
+
+private:
+    QSqlQueryWrapper query;
+};
+
 QString versionTableName()
 {
     return QString::fromLatin1(databaseVersionInfoString);
@@ -77,6 +93,12 @@ SqliteConnection::ExecuteResult SqliteConnection::execute(const ISqlQuery& query
 bool SqliteConnection::executeTransaction(const QList<QSharedPointer<ISqlQuery>>& queries)
 {
     QSqlDatabase database = getDatabase();
+    // The journal lies on disk while a transaction runs. Held in memory, it is
+    // lost with a process that dies in the middle, while the engine has
+    // already written part of the transaction's pages into the file (a large
+    // one overflows the page cache): a broken file. Single statements keep
+    // the journal in memory.
+    const JournalOnDisk journal(database);
     database.transaction();
     QSqlQueryWrapper wrapper(database);
     for (const QSharedPointer<ISqlQuery>& query : queries) {
@@ -204,7 +226,8 @@ bool SqliteConnection::openDatabase(const QString& databaseFile, const QString& 
                                     << "The application won't obey foreign key constraints.";
     }
     // Journal and temporary tables in memory: speed for the many small writes
-    // of recordings, at the cost of the journal's crash safety.
+    // of recordings, at the cost of the journal's crash safety. Transactions
+    // move the journal to disk for their length (executeTransaction).
     query.exec(QStringLiteral("PRAGMA journal_mode = MEMORY"));
     query.exec(QStringLiteral("PRAGMA temp_store = MEMORY"));
     return true;

@@ -15,7 +15,11 @@
 #include "Domain/Types/ProgramSection.h"
 #include "Domain/Types/ProgramStepRepetitionId.h"
 #include "Domain/Types/ProtocolEntry.h"
+#include "Domain/Types/RecordingData.h"
 #include "Domain/Types/RecordingId.h"
+#include "Domain/Types/Recordset.h"
+#include "Domain/Types/RecordsetComment.h"
+#include "Domain/Types/RecordsetId.h"
 #include "Domain/Types/ReportConfiguration.h"
 #include "Domain/Types/Room.h"
 #include "Domain/Types/RoomPosition.h"
@@ -298,6 +302,7 @@ private slots:
     void alarmStoreThroughTheFacade();
     void usersAndAccessThroughTheFacade();
     void programStoreThroughTheFacade();
+    void recordingStoresThroughTheFacade();
 
 private:
     TestDatabase files;
@@ -1034,6 +1039,85 @@ void TestDatabaseConnection::programStoreThroughTheFacade()
     QVERIFY(facade.deleteProgramStep(2) && facade.deleteProgramSteps(1) && facade.getProgramSteps(1).isEmpty());
     QVERIFY(facade.deleteProgram(3) && facade.deleteProgram(4) && facade.deleteProgram(1));
     QCOMPARE(facade.getAllPrograms().size(), 1);
+    QCOMPARE(errors.count(), 0);
+}
+
+// Every operation of the recording and recordset stores once.
+void TestDatabaseConnection::recordingStoresThroughTheFacade()
+{
+    // Signal 7 (% r.F.) of chamber 1 has the range 10 to 90 from 1 May.
+    Setup setup(files,
+                delivered
+                    + "INSERT INTO chamber (id, chamber_name, chamber_type_id) VALUES (1, 'C', 5);"
+                      "INSERT INTO tolerance_range VALUES ('2024-05-01T00:00:00.000Z', 1, 7, 1, 10.0, 90.0);",
+                smallCatalogue);
+    QVERIFY(setup.ok);
+    DatabaseConnection& facade = setup.facade;
+    QVERIFY(facade.initialize());
+    QSignalSpy errors(&facade, &DatabaseConnection::error);
+
+    const QDateTime start(QDate(2024, 5, 2), QTime(8, 0), Qt::UTC);
+    RecordingData recording(0, "Run", 1, 0, 60, start, QDateTime(), true, false, QString(), QString(), quint32(0),
+                            facade.getChamberSignals(ChamberId(1)), {}, true, 0);
+    QVERIFY(facade.addRecording(recording));
+    const RecordingId id = recording.id;
+    QCOMPARE(int(id), 1);
+    QVERIFY(facade.setChamberCustomSignalNames(1, {{7, "Moisture"}}));
+    QCOMPARE(facade.getRecordingData(id)->chamberSignals.value(7).name, QStringLiteral("Moisture"));
+    QCOMPARE(facade.getRecordingSignals(id).value(7).name, QStringLiteral("Temperature"));
+    QCOMPARE(facade.getAllRecordingData().size(), 1);
+    QCOMPARE(facade.getActiveRecording(1), id);
+    QVERIFY(facade.hasRecordings(1));
+    recording.name = "Run 2";
+    QVERIFY(facade.setRecordingProperty(recording, RecordingProperty::RECORDING_NAME));
+    QCOMPARE(facade.getRecordingProperty(id, RecordingProperty::RECORDING_NAME).toString(), QStringLiteral("Run 2"));
+    QVERIFY(facade.setRecordingProperty(id, RecordingProperty::IS_ACTIVE, false));
+    QCOMPARE(facade.getActiveRecording(1), RecordingId(0));
+    recording.freeText = "note";
+    QVERIFY(facade.updateRecordingProperties(recording));
+    QVERIFY(facade.archiveRecording(id) && facade.getRecordingData(id)->isArchived);
+    QVERIFY(facade.restoreRecording(id) && !facade.getRecordingData(id)->isArchived);
+    QCOMPARE(facade.getRecordingData(id)->freeText, QStringLiteral("note"));
+
+    RecordingData meta(0, "Meta", 1, 0, 60, start, QDateTime(), false, false, QString(), QString(), quint32(0), {}, {},
+                       true, 0);
+    QVERIFY(facade.addRecording(meta));
+    QVERIFY(facade.setMetaRecordingSubRecordings(meta.id, {id}));
+    QCOMPARE(facade.getMetaRecordingSubRecordings(meta.id), QList<RecordingId>{id});
+    QVERIFY(facade.deleteMetaRecordingSubRecordings(meta.id));
+    QVERIFY(facade.matchSignalRecordsetColumn(meta.id, {7}));
+    QCOMPARE(facade.getRecordingSignals(meta.id).keys(), QList<int>{7});
+
+    const auto recordset = [&](int minute, const QString& image) {
+        return Recordset(-1, id, start.addSecs(60 * minute),
+                         {SignalValuePair(7, UnitValue(Unit::RELATIVE_HUMIDITY_RF, 40.0f))}, true, RecordsetComment(),
+                         RecordsetAlarm::NO_ALARM, image, ChamberOperationMode::MANUAL);
+    };
+    Recordset first = recordset(0, QString());
+    QVERIFY(facade.addRecordset(first));
+    QList<Recordset> more = {recordset(1, "/a.png"), recordset(2, QString())};
+    QVERIFY(facade.addRecordsToQuery(more));
+    QCOMPARE(facade.getRecordsetLenght(id), 3LL);
+    const QList<Recordset> all = facade.getRecordsets(id, 0, 0, -1);
+    QCOMPARE(all.size(), 3);
+    QCOMPARE(*all.at(2).values.at(0).toleranceRange,
+             ToleranceRange(UnitValue(Unit::RELATIVE_HUMIDITY_RF, 10.0f), UnitValue(Unit::RELATIVE_HUMIDITY_RF, 90.0f),
+                            ToleranceRange::ABSOLUTE));
+    QCOMPARE(facade.getRecordsets(id, TimeSpan(start.addSecs(60), QDateTime()), -1).size(), 2);
+    QCOMPARE(facade.getRecordsetsWithImagePath(id, TimeSpan(start, start.addSecs(600)), -1).value(0).cameraImagePath,
+             QStringLiteral("/a.png"));
+    QCOMPARE(facade.getLatestNRecordsets(id, 1, QDateTime()).value(0).time, start.addSecs(120));
+    QCOMPARE(facade.getNRecordsets(id, 5, all.at(2).id).size(), 2);
+    QCOMPARE(facade.getRecordset(first.id).time, start);
+
+    QVERIFY(facade.addRecordsetComment(RecordsetComment(start, 2, first.id, "fine")));
+    QCOMPARE(facade.getRecordsetComment(first.id).text, QStringLiteral("fine"));
+    QVERIFY(facade.deleteRecordsetComment(first.id));
+    QVERIFY(facade.deleteRecordset(first.id));
+    QCOMPARE(facade.getRecordsetLenght(id), 2LL);
+    QVERIFY(facade.deleteAllRecordsets(id));
+    QVERIFY(facade.deleteRecording(id));
+    QVERIFY(facade.getRecordingData(id).isNull());
     QCOMPARE(errors.count(), 0);
 }
 

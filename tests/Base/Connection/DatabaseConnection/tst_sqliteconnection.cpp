@@ -345,6 +345,11 @@ void TestSqliteConnection::executeTransaction()
     QTEST(codesOf(errors), "expectedErrors");
     // Another process sees only what was committed.
     QTEST(shell(path, QStringLiteral("SELECT id, name FROM p ORDER BY id;")), "committed");
+    // The journal lay on disk for the transaction only (a process killed in
+    // the middle of one: tst_sqlrecordsetdatabaseconnection).
+    QCOMPARE(describe(connection->fetchSingleValue(FixedStatement(QStringLiteral("PRAGMA journal_mode")))),
+             QStringLiteral("QString(memory)"));
+    QVERIFY(!QFile::exists(path + QStringLiteral("-journal")));
 
     // No transaction is left open: a later write is committed on its own.
     QVERIFY(connection->execute(FixedStatement(QStringLiteral("INSERT INTO p (name) VALUES (?)"), {"z"})).success);

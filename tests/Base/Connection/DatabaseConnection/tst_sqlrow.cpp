@@ -154,6 +154,17 @@ void TestSqlRow::read_data()
     // SQLite's own datetime() writes UTC without a mark.
     QTest::newRow("time without an offset") << "'2024-03-01 09:00:00'"
                                             << "local 2024-03-01T10:00:00.000";
+    // The driver's own form, read without the general parser, gives what the parser gives.
+    QTest::newRow("a day that doesn't exist") << "'2024-02-30T09:00:00.000Z'"
+                                              << "local invalid";
+    QTest::newRow("the end of a day as 24:00") << "'2024-03-01T24:00:00.000Z'"
+                                               << "local 2024-03-02T01:00:00.000";
+    QTest::newRow("time in UTC, kept in UTC") << "'2024-07-01T08:00:00.250Z'"
+                                              << "utc 2024-07-01T08:00:00.250Z";
+    QTest::newRow("time with an offset, in UTC") << "'2024-03-01T12:00:00+03:00'"
+                                                 << "utc 2024-03-01T09:00:00.000Z";
+    QTest::newRow("NULL in UTC") << "NULL"
+                                 << "utc invalid";
     QTest::newRow("past the row's end") << "1"
                                         << "beyond -1";
 }
@@ -196,6 +207,10 @@ void TestSqlRow::read()
         QVERIFY(!time.isValid() || time.timeSpec() == Qt::LocalTime);
         got = QStringLiteral("local ")
               + (time.isValid() ? time.toString(QStringLiteral("yyyy-MM-ddThh:mm:ss.zzz")) : QStringLiteral("invalid"));
+    } else if (kind == QLatin1String("utc")) {
+        const QDateTime time = row.toUtcTime(0);
+        QVERIFY(!time.isValid() || time.timeSpec() == Qt::UTC);
+        got = QStringLiteral("utc ") + (time.isValid() ? time.toString(Qt::ISODateWithMs) : QStringLiteral("invalid"));
     } else if (kind == QLatin1String("beyond")) {
         QVERIFY(row.isNull(1));
         got = QStringLiteral("beyond %1").arg(row.toInt(1, -1));
