@@ -7,6 +7,7 @@
 #include "Tools/DatabaseTool/ListingCommands.h"
 #include "Tools/DatabaseTool/MessageCollector.h"
 #include "Tools/DatabaseTool/ProgramCommands.h"
+#include "Tools/DatabaseTool/RecordsetsCommand.h"
 #include "Tools/DatabaseTool/ToolContext.h"
 
 #include <QTextStream>
@@ -27,7 +28,9 @@ Run commandRun(const QString& name)
         {QStringLiteral("add-chambers"), &AddChambersCommand::run},
         {QStringLiteral("chambers"), &ListingCommands::chambers},
         {QStringLiteral("programs"), &ListingCommands::programs},
+        {QStringLiteral("recordings"), &ListingCommands::recordings},
         {QStringLiteral("users"), &ListingCommands::users},
+        {QStringLiteral("recordsets"), &RecordsetsCommand::run},
         {QStringLiteral("export-program"), &ProgramCommands::exportProgram},
         {QStringLiteral("import-program"), &ProgramCommands::importProgram},
     };

@@ -2,11 +2,14 @@
 
 #include "Domain/Types/ChamberData.h"
 #include "Domain/Types/ProgramData.h"
+#include "Domain/Types/RecordingData.h"
 #include "Domain/Types/UserData.h"
 #include "Tools/DatabaseTool/OutputTable.h"
 #include "Tools/DatabaseTool/ToolContext.h"
 #include "Tools/DatabaseTool/ToolDatabase.h"
 
+#include <QJsonArray>
+#include <QJsonObject>
 #include <QJsonValue>
 #include <QTextStream>
 
@@ -163,6 +166,43 @@ CommandOutcome ListingCommands::programs(const ToolContext& context)
                       program.steps.size(), program.repetitions.size(), program.edited, textOrNull(program.infoText)});
     }
     return print(context, database, table, QStringLiteral("programs"));
+}
+
+CommandOutcome ListingCommands::recordings(const ToolContext& context)
+{
+    // A recording's signals, with their names and units, come from the catalogue.
+    ToolDatabase database(context.key(), context.line.value(QStringLiteral("--catalogue")));
+    const CommandOutcome outcome =
+        database.open(context.file(), context.file(), DatabaseFile::READ_ONLY, ToolDatabase::CATALOGUE_NEEDED);
+    if (!outcome.isSuccess())
+        return outcome;
+    const bool json = context.line.isSet(QStringLiteral("--json"));
+    OutputTable table({{"id", "ID"},
+                       {"name", "NAME"},
+                       {"chamberId", "CHAMBER"},
+                       {"userId", "USER"},
+                       {"startTime", "START"},
+                       {"endTime", "END"},
+                       {"secondsInterval", "INTERVAL"},
+                       {"rows", "ROWS"},
+                       {"signals", "SIGNALS"},
+                       {"isActive", "ACTIVE"},
+                       {"isArchived", "ARCHIVED"}});
+    for (const QSharedPointer<types::RecordingData>& recording : database.facade().getAllRecordingData()) {
+        QJsonArray recordingSignals;
+        for (const types::ChamberSignal& signal : recording->chamberSignals)
+            recordingSignals.append(QJsonObject{{"id", int(signal.id)},
+                                                {"name", signal.name},
+                                                {"unit", textOrNull(types::Unit::toString(signal.unit))}});
+        // The rows as the recordset store counts them, not the recording's own count.
+        const qint64 rows = database.facade().getRecordsetLenght(recording->id);
+        table.addRow({int(recording->id), recording->name, numberOrNull(int(recording->chamberId), -1),
+                      numberOrNull(int(recording->userId), 0), timeValue(recording->startTime),
+                      timeValue(recording->endTime), numberOrNull(recording->secondsInterval, -1), double(rows),
+                      json ? QJsonValue(recordingSignals) : QJsonValue(recordingSignals.size()), recording->isActive,
+                      recording->isArchived});
+    }
+    return print(context, database, table, QStringLiteral("recordings"));
 }
 
 CommandOutcome ListingCommands::users(const ToolContext& context)

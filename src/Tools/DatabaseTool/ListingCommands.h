@@ -18,6 +18,7 @@ class ListingCommands
 public:
     static CommandOutcome chambers(const ToolContext& context);
     static CommandOutcome programs(const ToolContext& context);
+    static CommandOutcome recordings(const ToolContext& context);
     static CommandOutcome users(const ToolContext& context);
 
     // The texts the tables show for the numbers of the chamber columns.
