@@ -69,14 +69,11 @@ int DatabaseTool::run(const QStringList& arguments, QTextStream& out, QTextStrea
         err.flush();
         return USAGE_ERROR;
     }
+    // The command line knows only commands that are here.
     const Run run = commandRun(line.command());
-    CommandOutcome outcome;
-    if (!run) {
-        outcome = CommandOutcome::failure(COMMAND_FAILED, line.command() + QStringLiteral(": not available yet"));
-    } else {
-        const ToolContext context{line, out, err, errIsTerminal};
-        outcome = run(context);
-    }
+    Q_ASSERT(run);
+    const ToolContext context{line, out, err, errIsTerminal};
+    const CommandOutcome outcome = run(context);
     out.flush();
     if (!outcome.isSuccess())
         report(err, outcome, messages.problems());
