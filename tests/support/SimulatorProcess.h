@@ -28,6 +28,8 @@ public:
     bool installCatalogue(const QString& sourceFile,
                           const QString& relativeTarget = QStringLiteral("database/configuration.sqlite3"));
     bool writeIni(const QByteArray& content);
+    // HOME of the process; its documents folder is "Documents" in it.
+    QString home() const { return path(QStringLiteral("home")); }
     // The text of a file in the documents folder; empty when missing.
     QByteArray documentsFile(const QString& name) const;
     bool hasDocumentsFile(const QString& name) const;
